@@ -1,0 +1,26 @@
+/// From the raw file's compressed sensor data to the sensor plane.
+#ifndef DEIMG_DECODE_SENSOR_PLANE_DECODER_H
+#define DEIMG_DECODE_SENSOR_PLANE_DECODER_H
+
+#include "api/result.h"
+#include "decode/image_geometry.h"
+#include "props/image_props.h"
+
+namespace deimg {
+
+/// Decodes the sensor data into the plane stream: sensorHeight lines of sensorWidth unsigned 16-bit
+/// little-endian samples in raster order. Opens and closes both streams.
+///
+/// A sample is a 10-bit value, predicted from the previous sample of the same column parity on its
+/// line (512 at a line's start) plus a coded difference, with two low bits appended that the file
+/// stores in a block of their own. Differences come in blocks of 64 samples. Samples after the last
+/// whole block are 0. Values are not clipped: an impossible one is stored modulo 2^16.
+///
+/// @return 2 when the data do not fit the code or end too early, 3 out of memory, 32 when the plane
+///         cannot be opened, 98 when a stream lacks an operation, or an error word of a stream.
+[[nodiscard]] Result SensorPlaneDecoder(CallerStream& input, const ImageGeometry& geometry,
+                                        const ImageProps& props, CallerStream& plane);
+
+}  // namespace deimg
+
+#endif  // DEIMG_DECODE_SENSOR_PLANE_DECODER_H

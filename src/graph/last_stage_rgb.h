@@ -1,0 +1,36 @@
+/// The graph's last component: red, green and blue lines for the host.
+#ifndef DEIMG_GRAPH_LAST_STAGE_RGB_H
+#define DEIMG_GRAPH_LAST_STAGE_RGB_H
+
+#include "graph/component.h"
+#include "graph/stage_context.h"
+#include "storage/mem_block.h"
+
+namespace deimg {
+
+/// Joins the 13-bit luminance of "YMain Procs" with the colour differences of the colour-system
+/// stage. Its port holds R, G and B of every pixel of the plane's line, interleaved and clipped to
+/// the output range.
+class LastStageRgb final : public ComponentX {
+ public:
+  /// `sampleBytes` is 1 or 2: 8-bit or 16-bit output.
+  LastStageRgb(const StageContext& context, int sampleBytes, const SensorRecord& sensor);
+
+  [[nodiscard]] Result Run(int first, int last) override;
+
+  /// Hands the part of the current line that lies inside the image area to the output's Write.
+  [[nodiscard]] Result Deliver(CallerStream& output);
+
+ private:
+  const SensorRecord& sensor_;
+  BlockOf<std::uint8_t> line_;  // what the host receives
+};
+
+/// One line of `width` pixels: luminance y (13 bits) and colour differences to interleaved RGB,
+/// with 1024 = 1.0. The divisions bring them to 8 or 16 bits.
+void RgbLine8(Line y, Line cr, Line cb, int width, MutableLine rgb);
+void RgbLine16(Line y, Line cr, Line cb, int width, MutableLine rgb);
+
+}  // namespace deimg
+
+#endif  // DEIMG_GRAPH_LAST_STAGE_RGB_H

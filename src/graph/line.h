@@ -1,0 +1,23 @@
+/// Lines of samples as the stages see them.
+#ifndef DEIMG_GRAPH_LINE_H
+#define DEIMG_GRAPH_LINE_H
+
+#include <cstdint>
+
+namespace deimg {
+
+/// Inside the graph every sample is a signed 32-bit integer. Sums and products wrap, divisions
+/// truncate toward zero, right shifts are arithmetic.
+using Sample = std::int32_t;
+
+/// A line that a kernel reads, and one that it writes. A written line never overlaps another one of
+/// the same kernel, so that loops over whole lines can be vectorised.
+using Line = const Sample* __restrict;
+using MutableLine = Sample* __restrict;
+
+/// Whether an absolute line number is odd, also above the picture, where numbers are negative.
+constexpr bool IsOddLine(int line) { return (line & 1) != 0; }
+
+}  // namespace deimg
+
+#endif  // DEIMG_GRAPH_LINE_H

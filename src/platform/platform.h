@@ -1,0 +1,82 @@
+/// Everything the library asks of the operating system. One implementation per platform.
+#ifndef DEIMG_PLATFORM_PLATFORM_H
+#define DEIMG_PLATFORM_PLATFORM_H
+
+#include <cstddef>
+#include <cstdint>
+
+namespace deimg::platform {
+
+// --- Process heap ---------------------------------------------------------------------------
+
+/// Allocates `bytes` bytes, zero-filled on request; null when memory is short. Zeroed memory of a
+/// large request costs nothing until it is touched.
+[[nodiscard]] void* HeapAllocate(std::size_t bytes, bool zeroed) noexcept;
+
+/// Gives an allocation back; false when the heap refuses it.
+[[nodiscard]] bool HeapRelease(void* allocation) noexcept;
+
+// --- Files ----------------------------------------------------------------------------------
+
+using FileHandle = std::intptr_t;
+inline constexpr FileHandle kInvalidFile = -1;
+
+enum class FileMode {
+  kRead,              ///< existing file, reading only
+  kUpdate,            ///< reading and writing, contents kept, created when absent
+  kUpdateExisting,    ///< as kUpdate, never created
+  kTruncate,          ///< reading and writing, emptied, created when absent
+  kTruncateExisting,  ///< as kTruncate, never created
+};
+
+enum class AccessHint { kRandom, kSequential };
+
+/// Opens a work file; kInvalidFile when it cannot be. Only regular files of this user are opened,
+/// never through a symbolic link; files created here are readable and writable by this user only.
+[[nodiscard]] FileHandle OpenFile(const char* path, FileMode mode, AccessHint hint) noexcept;
+
+enum class CreateOutcome { kCreated, kNameTaken, kFailed };
+
+/// Creates an empty file for this user only; never opens one that exists. The file is left closed.
+[[nodiscard]] CreateOutcome CreateNewFile(const char* path) noexcept;
+
+/// Reads or writes up to `bytes` bytes at the file position. False on failure; `transferred` then
+/// holds what was moved before it. A write moves everything or fails.
+[[nodiscard]] bool ReadFile(FileHandle file, void* buffer, std::uint32_t bytes,
+                            std::uint32_t& transferred) noexcept;
+[[nodiscard]] bool WriteFile(FileHandle file, const void* buffer, std::uint32_t bytes,
+                             std::uint32_t& transferred) noexcept;
+
+enum class SeekFrom { kBeginning, kCurrent, kEnd };
+[[nodiscard]] bool SeekFile(FileHandle file, SeekFrom from, std::int32_t offset) noexcept;
+[[nodiscard]] bool TellFile(FileHandle file, std::uint32_t& position) noexcept;
+void CloseFile(FileHandle file) noexcept;
+void DeleteFile(const char* path) noexcept;
+
+// --- Temporary names ------------------------------------------------------------------------
+
+/// The system's temporary directory; false when it does not fit the buffer.
+[[nodiscard]] bool TemporaryDirectory(char* buffer, std::size_t size) noexcept;
+
+/// Forms the path of a temporary file from directory, prefix and the low 16 bits of `unique` in
+/// hexadecimal, without creating it; false when it does not fit the buffer.
+[[nodiscard]] bool TemporaryFileName(const char* directory, const char* prefix,
+                                     std::uint32_t unique, char* buffer, std::size_t size) noexcept;
+
+/// Whether anything of exactly this name exists.
+[[nodiscard]] bool FileExists(const char* path) noexcept;
+
+// --- Diagnostics ----------------------------------------------------------------------------
+
+/// The system's text for the calling thread's last error, cut to the buffer; empty when none.
+void LastErrorText(char* buffer, std::size_t size) noexcept;
+
+enum class MessageIcon { kInformation, kError };
+
+/// Tells a person: a modal message box where the platform has them, else caption and text on
+/// standard error.
+void ShowMessage(const char* text, const char* caption, MessageIcon icon) noexcept;
+
+}  // namespace deimg::platform
+
+#endif  // DEIMG_PLATFORM_PLATFORM_H

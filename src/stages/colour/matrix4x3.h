@@ -1,0 +1,41 @@
+/// From colour planes to luminance and two colour differences.
+#ifndef DEIMG_STAGES_COLOUR_MATRIX4X3_H
+#define DEIMG_STAGES_COLOUR_MATRIX4X3_H
+
+#include <array>
+#include <cstdint>
+
+#include "graph/component.h"
+#include "graph/stage_context.h"
+
+namespace deimg {
+
+/// Three rows of four coefficients, 2048 = 1.0: first colour difference, luminance, second colour
+/// difference. Columns: red, Gr, blue, Gb.
+using ColourMatrix = std::array<std::int16_t, 12>;
+
+/// Applies the colour matrix. Luminance comes from the four planes; the colour differences from the
+/// median's, or from the planes too when the median is off.
+///
+/// Inputs: V/H interpolation, Median CrCb. Output: port 0 luminance, ports 1 and 2 the colour
+/// differences, four times the mosaic's scale.
+class Matrix4x3 final : public ComponentX {
+ public:
+  explicit Matrix4x3(const StageContext& context);
+
+  [[nodiscard]] Result Run(int first, int last) override;
+
+ private:
+  const ColourMatrix coefficients_;
+  const bool fromPlanes_;
+};
+
+/// One row on four planes, and on two colour differences.
+void MatrixRowLine(Line r, Line gr, Line b, Line gb, const std::int16_t (&row)[4], int width,
+                   MutableLine out);
+void MatrixRowLine(Line redMinusGreen, Line blueMinusGreen, const std::int16_t (&row)[2], int width,
+                   MutableLine out);
+
+}  // namespace deimg
+
+#endif  // DEIMG_STAGES_COLOUR_MATRIX4X3_H

@@ -1,0 +1,24 @@
+/// The tone curve of red, green and blue.
+#ifndef DEIMG_STAGES_COLOUR_RGB_TONE_CURVE_H
+#define DEIMG_STAGES_COLOUR_RGB_TONE_CURVE_H
+
+#include "graph/line.h"
+#include "props/tuning_block.h"
+
+namespace deimg {
+
+/// Range of the values that the curve maps.
+inline constexpr Sample kLowestLinear = -512;
+inline constexpr Sample kHighestLinear = 8191;
+inline constexpr int kRgbToneTableSize = kHighestLinear - kLowestLinear + 1;
+
+/// The curve at x: seven quadratic segments whose starts and coefficients the record holds.
+/// Results are signed 16-bit values.
+[[nodiscard]] Sample RgbToneCurve(Sample x, const TuningBlock::Words<45>& record);
+
+/// Fills a table of kRgbToneTableSize entries; entry i holds the curve at i + kLowestLinear.
+void BuildRgbToneTable(const TuningBlock::Words<45>& record, Sample* table);
+
+}  // namespace deimg
+
+#endif  // DEIMG_STAGES_COLOUR_RGB_TONE_CURVE_H

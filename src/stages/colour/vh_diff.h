@@ -1,0 +1,30 @@
+/// How much the picture changes down the columns and along the lines.
+#ifndef DEIMG_STAGES_COLOUR_VH_DIFF_H
+#define DEIMG_STAGES_COLOUR_VH_DIFF_H
+
+#include "graph/component.h"
+#include "graph/stage_context.h"
+
+namespace deimg {
+
+/// Direction measure: vertical minus horizontal activity of the white-balanced mosaic.
+///
+/// Input: White Balance port 0, five lines. Output: port 0, in the mosaic's scale, signed; negative
+/// where the picture changes more along the line.
+class VHDiff final : public ComponentX {
+ public:
+  explicit VHDiff(const StageContext& context);
+
+  [[nodiscard]] Result Run(int first, int last) override;
+
+ private:
+  const DevelopSettings& settings_;
+};
+
+/// One line; u2, u1, m, d1, d2 are the lines two above to two below. Samples two apart have the
+/// same colour. The two outer columns on each side are 0.
+void DirectionMeasureLine(Line u2, Line u1, Line m, Line d1, Line d2, int width, MutableLine out);
+
+}  // namespace deimg
+
+#endif  // DEIMG_STAGES_COLOUR_VH_DIFF_H

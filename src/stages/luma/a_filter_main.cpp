@@ -1,0 +1,91 @@
+#include "stages/luma/a_filter_main.h"
+
+#include <algorithm>
+#include <cstdint>
+
+namespace deimg {
+namespace {
+
+constexpr Sample kFullGain = 32;
+constexpr int kSteepestShift = 8;
+
+}  // namespace
+
+void BuildAFilterGainTable(int slopeShift, int coreLevel, Sample* table) {
+  constexpr int kEntries = AFilterMain::kGainTableSize - 1;
+  const int step = 256 >> slopeShift;
+  const int end = (step * coreLevel / 8 + kFullGain) * 8 / step;
+  for (int i = 0; i < kEntries; ++i) {
+    if (i < coreLevel) {
+      table[i] = 0;
+    } else {
+      table[i] = i < end ? (i - coreLevel) * step / 8 : kFullGain;
+    }
+  }
+  table[kEntries] = kFullGain;
+}
+
+void AFilterLine(Line direction, Line vertical, Line both, Line horizontal, const Sample* gains,
+                 int width, MutableLine out) {
+  constexpr std::uint32_t kLast = AFilterMain::kGainTableSize - 1;
+  for (int x = 0; x < width; ++x) {
+    const Sample d = direction[x];
+    const auto magnitude = static_cast<std::uint32_t>(d < 0 ? -d : d);
+    const Sample smoothed = d < 0 ? 4 * vertical[x] : 8 * horizontal[x];
+    out[x] = (smoothed - both[x]) * gains[std::min(magnitude, kLast)] / 32;
+  }
+}
+
+AFilterMain::AFilterMain(const StageContext& context)
+    : ComponentX(InfoOf(TypeId::kAFilterMain), context.width, context.height, 4),
+      settings_(context.settings),
+      tuning_(context.tuning) {}
+
+Result AFilterMain::BuildGainTable() {
+  const auto setIndex = settings_.setIndex();
+  if (!setIndex) return DEIMG_UNSUPPORTED;
+  const int slopeShift = tuning_.aFilterSlopeShift(*setIndex);
+  if (slopeShift > kSteepestShift) return DEIMG_UNSUPPORTED;
+  gainTable_ = BlockOf<Sample>::Zeroed(kGainTableSize);
+  if (!gainTable_) return DEIMG_OUT_OF_MEMORY;
+  BuildAFilterGainTable(slopeShift, tuning_.aFilterCoreLevel(*setIndex), gainTable_.get());
+  return DEIMG_OK;
+}
+
+Result AFilterMain::Run(int first, int last) {
+  ComponentX* direction = nullptr;
+  ComponentX* vertical = nullptr;
+  ComponentX* both = nullptr;
+  ComponentX* horizontal = nullptr;
+  for (int slot = 0; slot < 4; ++slot) {
+    ComponentX* const source = input(slot);
+    if (source == nullptr) return DEIMG_UNSUPPORTED;
+    switch (source->typeId()) {
+      case TypeId::kVHDiff:
+        direction = source;
+        break;
+      case TypeId::kVerLpfForAFilter:
+        vertical = source;
+        break;
+      case TypeId::kHorLpfForAFilter:
+        both = source;
+        break;
+      case TypeId::kAFilterHokanLpf:
+        horizontal = source;
+        break;
+      default:
+        return DEIMG_UNSUPPORTED;
+    }
+  }
+  if (direction == nullptr || vertical == nullptr || both == nullptr || horizontal == nullptr) {
+    return DEIMG_UNSUPPORTED;
+  }
+  if (!gainTable_) DEIMG_RETURN_IF_FAILED(BuildGainTable());
+  for (int o = first; o <= last; ++o) {
+    AFilterLine(direction->GetLine(o, 0), vertical->GetLine(o, 0), both->GetLine(o, 0),
+                horizontal->GetLine(o, 0), gainTable_.get(), width(), OwnLine(o, 0));
+  }
+  return DEIMG_OK;
+}
+
+}  // namespace deimg

@@ -1,0 +1,41 @@
+/// The luminance signal of the picture.
+#ifndef DEIMG_STAGES_LUMA_RAMEN_TO_YMIX_H
+#define DEIMG_STAGES_LUMA_RAMEN_TO_YMIX_H
+
+#include <array>
+#include <cstdint>
+
+#include "graph/component.h"
+#include "graph/stage_context.h"
+
+namespace deimg {
+
+/// Adds detail to the low-passed luminance, mixes it with smoothed red and blue, and removes a
+/// pedestal.
+///
+/// Inputs: A-Filter, HorLpf (both 16 x the mosaic's scale), V/H interpolation (4 x). Output: port 0
+/// the luminance mix, port 1 the low-passed luminance with its detail.
+class RamenToYmix final : public ComponentX {
+ public:
+  explicit RamenToYmix(const StageContext& context);
+
+  [[nodiscard]] Result Run(int first, int last) override;
+
+ private:
+  const DevelopSettings& settings_;
+  const TuningBlock tuning_;
+  const std::array<std::int16_t, 3> weights_;  // red, own, blue; 256 = 1.0
+};
+
+/// enhanced = luminance + detail x gain / 8; mixed takes detail x mixGain / 8 back.
+void AddDetailLine(Line luminance, Line detail, Sample gain, Sample mixGain, int width,
+                   MutableLine mixed, MutableLine enhanced);
+
+/// In place: weights the line with red and blue, each smoothed by 1, 2, 1, and subtracts the
+/// pedestal.
+void MixLine(Line r, Line b, const std::array<std::int16_t, 3>& weights, Sample pedestal, int width,
+             MutableLine y);
+
+}  // namespace deimg
+
+#endif  // DEIMG_STAGES_LUMA_RAMEN_TO_YMIX_H

@@ -1,0 +1,88 @@
+/// The final luminance.
+#ifndef DEIMG_STAGES_LUMA_YMAIN_PROCS_H
+#define DEIMG_STAGES_LUMA_YMAIN_PROCS_H
+
+#include <array>
+#include <cstdint>
+
+#include "graph/component.h"
+#include "graph/stage_context.h"
+#include "storage/mem_block.h"
+
+namespace deimg {
+
+/// Adds the aperture corrections with a gain that depends on the local brightness, maps the result
+/// through the tone curve, and lowers it where the colour differences are strong. Plain processing
+/// only scales; quick processing leaves the aperture corrections out.
+///
+/// Inputs: Ramen to YMIX, port 0; H-APC, ports 0 and 1; R-APC, V-APC, A-APC, port 0; the
+/// colour-system stage, ports 1 and 2. Output: port 0, luminance 0 to 8191.
+class YMainProcs final : public ComponentX {
+ public:
+  static constexpr int kGainTableSize = 1024;
+  static constexpr int kToneTableSize = 8192;
+
+  explicit YMainProcs(const StageContext& context);
+
+  [[nodiscard]] Result Run(int first, int last) override;
+
+ private:
+  [[nodiscard]] Result PrepareDetail();
+  [[nodiscard]] Result PrepareTone();
+
+  const DevelopSettings& settings_;
+  const TuningBlock tuning_;
+  BlockOf<std::uint16_t> detailGainTable_;  // by brightness level
+  Sample negativeScale_ = 0;                // of darkening detail, 1024 = 1.0
+  BlockOf<std::uint16_t> toneTable_;
+};
+
+/// Codes and peak of the detail gain table.
+struct DetailGainParams {
+  std::uint16_t riseCode;
+  std::uint16_t fallCode;
+  std::uint16_t endCode;
+  std::int16_t peak;
+};
+
+/// Fills the gain by level: rises to 16 x peak, holds it, falls to 0. DEIMG_UNSUPPORTED for a code
+/// that does not exist.
+[[nodiscard]] Result BuildDetailGainTable(const DetailGainParams& params, std::uint16_t* table);
+
+/// The scale of negative detail, 1024 = 1.0, from its two modes.
+[[nodiscard]] Result NegativeScale(std::int16_t modeA, std::int16_t modeB, Sample& scale);
+
+/// The luminance tone curve at i: six quadratic segments from 32 controls; 0 to 8191.
+[[nodiscard]] Sample LuminanceToneCurve(Sample i, const TuningBlock::Words<32>& controls);
+
+/// Thresholds and gains of the correction by colour difference.
+struct ChromaCorrection {
+  Sample threshold;
+  Sample gainCr;
+  Sample gainCb;
+};
+[[nodiscard]] ChromaCorrection ChromaCorrectionOf(const std::array<std::uint16_t, 7>& parameters);
+
+/// The five detail lines.
+struct DetailLines {
+  const Sample* hNarrow;
+  const Sample* hWide;
+  const Sample* r;
+  const Sample* v;
+  const Sample* a;
+};
+
+/// y / 8, clipped.
+void ScaleLuminanceLine(Line y, int width, MutableLine out);
+
+/// Adds the details, weighted by level; `scratch` holds their sum.
+void AddDetailsLine(Line y, const DetailLines& details, const std::uint16_t* gainTable,
+                    Sample negativeScale, int width, MutableLine scratch, MutableLine out);
+
+/// In place: lowers the luminance where a colour difference exceeds the threshold.
+void CorrectByChromaLine(Line cr, Line cb, const ChromaCorrection& correction, int width,
+                         MutableLine y);
+
+}  // namespace deimg
+
+#endif  // DEIMG_STAGES_LUMA_YMAIN_PROCS_H
