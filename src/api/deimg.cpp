@@ -4,7 +4,10 @@
 
 namespace {
 
-bool IsJob(std::uint32_t flags) { return flags == DEIMG_JOB_FULL || flags == DEIMG_JOB_QUICK; }
+bool IsJob(std::uint32_t flags) {
+  return flags == DEIMG_JOB_FULL || flags == DEIMG_JOB_QUICK || flags == DEIMG_JOB_PREVIEW ||
+         flags == DEIMG_JOB_THUMBNAIL;
+}
 
 bool IsFormat(std::uint32_t format) {
   return (format & 0xFF) == DEIMG_FORMAT_8BIT || (format & 0xFF) == DEIMG_FORMAT_16BIT;

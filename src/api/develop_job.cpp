@@ -1,7 +1,10 @@
 #include "api/develop_job.h"
 
 #include "api/develop_params.h"
+#include "api/thumbnail.h"
 #include "decode/black_level_subtraction.h"
+#include "decode/point_white_balance.h"
+#include "decode/preview_reduction.h"
 #include "decode/sensor_plane_decoder.h"
 #include "graph/graph_builder.h"
 #include "storage/stream_calls.h"
@@ -21,7 +24,10 @@ Result DevelopJob::Run() {
   DEIMG_RETURN_IF_FAILED(DeriveGeometries());
   DEIMG_RETURN_IF_FAILED(MakePlane());
   DEIMG_RETURN_IF_FAILED(FillPlane());
-  return DevelopFull();
+  DEIMG_RETURN_IF_FAILED(BalanceFromPoint());
+  if (!isReduced()) return DevelopFull();
+  DEIMG_RETURN_IF_FAILED(ReducePlane());
+  return flags_ == DEIMG_JOB_PREVIEW ? DevelopReduced(output_) : DevelopThumbnail();
 }
 
 Result DevelopJob::ReadProperties() {
@@ -41,7 +47,8 @@ Result DevelopJob::ReadProperties() {
 Result DevelopJob::DeriveGeometries() {
   geometry_ = DeriveGeometry(props_.sensor);
   reduced_ = ReduceGeometry(geometry_);
-  return IsSupported(geometry_) ? DEIMG_OK : DEIMG_UNSUPPORTED;
+  if (!IsSupported(geometry_)) return DEIMG_UNSUPPORTED;
+  return !isReduced() || IsSupportedReduced(reduced_) ? DEIMG_OK : DEIMG_UNSUPPORTED;
 }
 
 Result DevelopJob::MakePlane() {
@@ -59,9 +66,61 @@ Result DevelopJob::FillPlane() {
   return BlackLevelSubtraction(geometry_, plane(), props_.blackLevelWords);
 }
 
+Result DevelopJob::BalanceFromPoint() {
+  if (params_.whiteBalance.wbGainsSet == 1 || params_.wbPreset != DEIMG_WB_POINT) return DEIMG_OK;
+  if (params_.wbPointX < 0 || params_.wbPointX >= geometry_.areaWidth || params_.wbPointY < 0 ||
+      params_.wbPointY >= geometry_.areaHeight) {
+    return DEIMG_UNSUPPORTED;
+  }
+  return PointWhiteBalance(plane(), geometry_, params_);
+}
+
 Result DevelopJob::DevelopFull() {
   if (flags_ == DEIMG_JOB_QUICK) ForceQuickSettings();
   return GraphBuilder(plane(), params_, props_, format_, output_);
+}
+
+Result DevelopJob::ReducePlane() {
+  ForceQuickSettings();
+  previewPlanes_ = MemoryStream::Make(4 * PlaneBytes(reduced_));
+  if (!previewPlanes_) return DEIMG_OUT_OF_MEMORY;
+  return PreviewReduction(plane(), geometry_, reduced_,
+                          reinterpret_cast<std::uint16_t*>(previewPlanes_.memory()));
+}
+
+Result DevelopJob::DevelopReduced(CallerStream& output) {
+  ImageProps props = props_;
+  StoreGeometry(reduced_, props.sensor);
+  return GraphBuilder(*previewPlanes_.get(), params_, props, DEIMG_FORMAT_8BIT, output);
+}
+
+Result DevelopJob::DevelopThumbnail() {
+  const int width = reduced_.outWidth;
+  const int height = reduced_.outHeight;
+  previewPicture_ = MemoryStream::Make(3ull * reduced_.outWidth * reduced_.outHeight);
+  if (!previewPicture_) return DEIMG_OUT_OF_MEMORY;
+  DEIMG_RETURN_IF_FAILED(Report(7));
+  DEIMG_RETURN_IF_FAILED(DevelopReduced(*previewPicture_.get()));
+  DEIMG_RETURN_IF_FAILED(Report(50));
+  thumbnail_ = BlockOf<std::uint8_t>::Zeroed(kThumbnailBytes);
+  if (!thumbnail_) return DEIMG_OUT_OF_MEMORY;
+  ResampleThumbnail(previewPicture_.memory(), width, height, thumbnail_.get());
+  previewPicture_ = MemoryStream();
+  DEIMG_RETURN_IF_FAILED(Report(70));
+  return DeliverThumbnail();
+}
+
+Result DevelopJob::DeliverThumbnail() {
+  if (output_.Open == nullptr || output_.Write == nullptr || output_.Close == nullptr) {
+    return DEIMG_MISSING;
+  }
+  DEIMG_RETURN_IF_FAILED(Open(output_, DEIMG_OPEN_TRUNCATE));
+  for (int row = 0; row < kThumbnailHeight; ++row) {
+    DEIMG_RETURN_IF_FAILED(
+        Write(output_, thumbnail_.get() + row * kThumbnailRowBytes, kThumbnailRowBytes));
+  }
+  if (output_.progressMode != DEIMG_PROGRESS_NEVER) DEIMG_RETURN_IF_FAILED(Progress(output_, 100));
+  return Close(output_);
 }
 
 void DevelopJob::ForceQuickSettings() {
@@ -71,10 +130,7 @@ void DevelopJob::ForceQuickSettings() {
 }
 
 Result DevelopJob::Report(int percent) {
-  if (output_.Progress == nullptr || output_.progressMode != DEIMG_PROGRESS_ALL) return DEIMG_OK;
-  std::uint32_t error = 0;
-  output_.Progress(output_.cookie, static_cast<std::uint16_t>(percent), &error);
-  return error;
+  return output_.progressMode == DEIMG_PROGRESS_ALL ? Progress(output_, percent) : Result{DEIMG_OK};
 }
 
 }  // namespace deimg

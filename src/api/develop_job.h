@@ -27,7 +27,14 @@ class DevelopJob {
   [[nodiscard]] Result DeriveGeometries();
   [[nodiscard]] Result MakePlane();
   [[nodiscard]] Result FillPlane();
+  [[nodiscard]] Result BalanceFromPoint();
   [[nodiscard]] Result DevelopFull();
+  [[nodiscard]] Result ReducePlane();
+  [[nodiscard]] Result DevelopReduced(CallerStream& output);
+  [[nodiscard]] Result DevelopThumbnail();
+  [[nodiscard]] Result DeliverThumbnail();
+
+  bool isReduced() const { return flags_ == DEIMG_JOB_PREVIEW || flags_ == DEIMG_JOB_THUMBNAIL; }
 
   void ForceQuickSettings();
   [[nodiscard]] Result Report(int percent);
@@ -44,6 +51,9 @@ class DevelopJob {
   ImageGeometry reduced_{};
 
   // Released from the last one to the first: the plane goes before everything made from it.
+  BlockOf<std::uint8_t> thumbnail_;
+  MemoryStream previewPicture_;
+  MemoryStream previewPlanes_;
   FileStream planeFile_;
   MemoryStream planeInMemory_;
 };

@@ -1,10 +1,10 @@
 #include "decode/sensor_plane_decoder.h"
 
 #include <algorithm>
-#include <cstring>
 #include <optional>
 
 #include "decode/coded_data_reader.h"
+#include "props/byte_order.h"
 #include "storage/mem_block.h"
 #include "storage/stream_calls.h"
 
@@ -68,13 +68,8 @@ void MergeLowBits(const std::uint8_t* lowBits, std::uint32_t count, std::uint16_
   }
 }
 
-/// Samples on their way to the plane, in the plane's byte order.
 Result WriteSamples(CallerStream& plane, std::uint16_t* samples, std::uint32_t count) {
-  for (std::uint32_t i = 0; i < count; ++i) {
-    const std::uint8_t bytes[2] = {static_cast<std::uint8_t>(samples[i]),
-                                   static_cast<std::uint8_t>(samples[i] >> 8)};
-    std::memcpy(samples + i, bytes, sizeof(bytes));
-  }
+  ToLittleEndian(samples, count);
   return Write(plane, samples, 2 * count);
 }
 

@@ -2,7 +2,9 @@
 #ifndef DEIMG_PROPS_BYTE_ORDER_H
 #define DEIMG_PROPS_BYTE_ORDER_H
 
+#include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 namespace deimg {
 
@@ -18,6 +20,15 @@ inline std::uint32_t LoadU32(const std::uint8_t* p, bool bigEndian) {
 
 inline std::int16_t LoadS16Little(const std::uint8_t* p) {
   return static_cast<std::int16_t>(LoadU16(p, false));
+}
+
+/// Turns samples in the machine's byte order into little-endian ones, in place.
+inline void ToLittleEndian(std::uint16_t* samples, std::size_t count) {
+  for (std::size_t i = 0; i < count; ++i) {
+    const std::uint8_t bytes[2] = {static_cast<std::uint8_t>(samples[i]),
+                                   static_cast<std::uint8_t>(samples[i] >> 8)};
+    std::memcpy(samples + i, bytes, sizeof(bytes));
+  }
 }
 
 }  // namespace deimg

@@ -57,6 +57,15 @@ namespace deimg {
   return error;
 }
 
+/// Reports progress to a stream that has the operation.
+[[nodiscard]] inline Result Progress(CallerStream& stream, int percent) {
+  std::uint32_t error = 0;
+  if (stream.Progress != nullptr) {
+    stream.Progress(stream.cookie, static_cast<std::uint16_t>(percent), &error);
+  }
+  return error;
+}
+
 }  // namespace deimg
 
 #endif  // DEIMG_STORAGE_STREAM_CALLS_H
