@@ -93,7 +93,7 @@ Result TuningTables::Load(const ImageProps& props) {
       record.key = stream.Next32();
       stream.Skip16();  // group tag
       auto& m = record.values;
-      for (const std::size_t i : {0, 3, 4, 5, 6, 7, 8, 11}) m[i] = stream.Next16();
+      for (const std::size_t i : {0u, 3u, 4u, 5u, 6u, 7u, 8u, 11u}) m[i] = stream.Next16();
       m[1] = Signed16(-m[0]);
       m[2] = Signed16(-m[3]);
       m[9] = Signed16(-m[8]);

@@ -1,0 +1,23 @@
+#include <cstdio>
+
+#include "platform/platform.h"
+#include "platform/win32/windows_api.h"
+
+namespace deimg::platform {
+
+void LastErrorText(char* buffer, std::size_t size) noexcept {
+  // The system takes the text's address where the call asks for the text itself.
+  char* text = nullptr;
+  const DWORD length = FormatMessageA(
+      FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
+      nullptr, GetLastError(), 0, reinterpret_cast<char*>(&text), 0, nullptr);
+  std::snprintf(buffer, size, "%s", length != 0 ? text : "");
+  LocalFree(text);
+}
+
+void ShowMessage(const char* text, const char* caption, MessageIcon icon) noexcept {
+  MessageBoxA(nullptr, text, caption,
+              MB_OK | (icon == MessageIcon::kError ? MB_ICONERROR : MB_ICONINFORMATION));
+}
+
+}  // namespace deimg::platform

@@ -1,0 +1,295 @@
+// Kernels and tables of the colour path.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <random>
+
+#include "graph/last_stage_rgb.h"
+#include "stages/colour/chroma_suppress.h"
+#include "stages/colour/color_system_proc.h"
+#include "stages/colour/hokan_circuit.h"
+#include "stages/colour/hokan_vh.h"
+#include "stages/colour/matrix4x3.h"
+#include "stages/colour/median_crcb.h"
+#include "stages/colour/mosaic_interpolation.h"
+#include "stages/colour/rgb_tone_curve.h"
+#include "stages/colour/vh_diff.h"
+#include "stages/colour/white_balance.h"
+
+namespace deimg {
+namespace {
+
+using Samples = std::vector<Sample>;
+
+Samples Random(std::size_t n, Sample low, Sample high, unsigned seed) {
+  std::mt19937 random(seed);
+  std::uniform_int_distribution<Sample> value(low, high);
+  Samples samples(n);
+  for (Sample& s : samples) s = value(random);
+  return samples;
+}
+
+struct Fixture {
+  DevelopSettings settings;
+  DevelopmentTables tables;
+  std::uint8_t block[TuningBlock::kSize] = {};
+  StageContext context{settings, tables, TuningBlock(block), 16, 16};
+};
+
+TEST(WhiteBalance, GainPedestalClip) {
+  const Samples in = {0, 100, 4095, 4095, 65535, 65535, 1000, 1001};
+  Samples out(8);
+  WhiteBalanceLine(in.data(), 8, 1024, 1536, 4095, out.data());
+  EXPECT_EQ(out, (Samples{128, 278, 4095, 4095, 4095, 4095, 1128, 1629}));
+  WhiteBalanceLine(in.data(), 8, -1024, 1024, 300, out.data());
+  EXPECT_EQ(out[2], -4095 + 128) << "no clip below";
+  EXPECT_EQ(out[1], 228);
+  EXPECT_EQ(out[7], 300);
+}
+
+TEST(WhiteBalance, ExposureTableAndClipLevel) {
+  const auto make = [](int adjust, int green1, int green2) {
+    Fixture f;
+    f.settings.exposureAdjust = static_cast<std::int16_t>(adjust);
+    f.settings.wbGains = {1024, green1, green2, 1024};
+    return std::make_unique<WhiteBalance>(f.context);
+  };
+  EXPECT_EQ(make(0, 1024, 1024)->exposureTable(), nullptr);
+  auto up = make(10, 1024, 1024);
+  EXPECT_EQ(up->clipLevel(), 4095);
+  EXPECT_EQ(up->exposureTable()[100], 200);
+  EXPECT_EQ(up->exposureTable()[3000], 4095);
+  EXPECT_EQ(make(-10, 1024, 1024)->clipLevel(), 2048);
+  EXPECT_EQ(make(-20, 1000, 1003)->clipLevel(), 1001);
+  EXPECT_EQ(make(-20, 1 << 30, 0)->clipLevel(), 4095);
+  EXPECT_EQ(make(-7, 1024, 1024)->exposureTable()[4095], 2520);  // 4095 x 0.6155722
+}
+
+TEST(VHDiff, ActivityDownMinusAlong) {
+  const Samples ramp = {0, 10, 20, 30, 40, 50};
+  Samples out(6);
+  DirectionMeasureLine(ramp.data(), ramp.data(), ramp.data(), ramp.data(), ramp.data(), 6,
+                       out.data());
+  EXPECT_EQ(out, (Samples{0, 0, -20, -20, 0, 0}));
+  const Samples a(6, 1), b(6, 2), c(6, 5), d(6, 9), e(6, 20);
+  DirectionMeasureLine(a.data(), b.data(), c.data(), d.data(), e.data(), 6, out.data());
+  EXPECT_EQ(out, (Samples{0, 0, 18, 18, 0, 0}));  // |10 - 1 - 20| + |2 - 9|
+}
+
+/// The planes of the example line, and the roles of the lines for the other parity.
+TEST(MosaicInterpolation, FourPlanes) {
+  const Samples above = {10, 20, 30, 40}, centre = {50, 60, 70, 80}, below = {90, 100, 110, 120};
+  Samples r(4), gr(4), gb(4), b(4), s0(4), s1(4);
+  const PlaneLines planes{r.data(), gr.data(), gb.data(), b.data()};
+  InterpolateMosaicLine(above.data(), centre.data(), below.data(), false, 4, s0.data(), s1.data(),
+                        planes);
+  EXPECT_EQ(r, (Samples{200, 240, 280, 280}));
+  EXPECT_EQ(gr, (Samples{240, 240, 280, 320}));
+  EXPECT_EQ(gb, (Samples{200, 240, 280, 280}));
+  EXPECT_EQ(b, (Samples{240, 240, 280, 320}));
+  InterpolateMosaicLine(above.data(), centre.data(), below.data(), true, 4, s0.data(), s1.data(),
+                        planes);
+  EXPECT_EQ(gb, (Samples{200, 240, 280, 280}));
+  EXPECT_EQ(r, (Samples{200, 240, 280, 280}));
+
+  const Samples direction = {-6, -5, 5, 0};
+  gr = {1, 2, 3, 4};
+  gb = {5, 6, 7, 8};
+  ExchangeGreensLine(direction.data(), 5, 4, gr.data(), gb.data());
+  EXPECT_EQ(gr, (Samples{5, 2, 3, 4}));
+  ExchangeGreensLine(direction.data(), -1, 4, gr.data(), gb.data());
+  EXPECT_EQ(gb, (Samples{5, 2, 7, 4})) << "a negative threshold exchanges at 0";
+}
+
+TEST(HokanCircuit, SmallerDifferencesWin) {
+  const Samples gr = {240, 240, 280, 320}, gb = {200, 240, 280, 280}, still(4, 0);
+  Samples red = {200, 240, 280, 280}, blue = {240, 240, 280, 320};
+  ColourDifferenceLine(still.data(), 0, false, gr.data(), gb.data(), 4, red.data(), blue.data());
+  EXPECT_EQ(red, (Samples{-20, 0, 0, -20}));
+  EXPECT_EQ(blue, (Samples{20, 0, 0, 20}));
+  // Directed greens: red with gb, blue with gr; a tie is theirs.
+  const Samples direction = {-1, -1, 0, -1};
+  red = {200, 240, 280, 281};
+  blue = {240, 240, 280, 320};
+  ColourDifferenceLine(direction.data(), 0, true, gr.data(), gb.data(), 4, red.data(), blue.data());
+  EXPECT_EQ(red, (Samples{0, 0, 0, 1}));
+  EXPECT_EQ(blue, (Samples{0, 0, 0, 0}));
+  Samples one = {0}, other = {0};
+  const Samples g1 = {-1}, g2 = {-2};  // the average of -3 is -1
+  ColourDifferenceLine(still.data(), 0, false, g1.data(), g2.data(), 1, one.data(), other.data());
+  EXPECT_EQ(one[0], 1);
+  EXPECT_EQ(other[0], 1);
+}
+
+TEST(MedianCrCb, IsTheEighthOfFifteen) {
+  for (unsigned seed = 0; seed < 30; ++seed) {
+    const int width = seed < 5 ? 5 + static_cast<int>(seed) : 67;
+    const auto n = static_cast<std::size_t>(width);
+    const Sample range = seed % 3 == 0 ? 3 : seed % 3 == 1 ? 20000 : INT32_MAX;
+    const Samples lines[3] = {Random(n, -range, range, seed), Random(n, -range, range, seed + 100),
+                              Random(n, -range, range, seed + 200)};
+    Samples out(n), s0(n), s1(n), s2(n);
+    MedianLine(lines[0].data(), lines[1].data(), lines[2].data(), width, s0.data(), s1.data(),
+               s2.data(), out.data());
+    for (std::size_t x = 0; x < n; ++x) {
+      Sample expected = lines[1][x];
+      if (x >= 2 && x + 2 < n) {
+        Samples all;
+        for (const Samples& line : lines) all.insert(all.end(), &line[x - 2], &line[x + 2] + 1);
+        std::nth_element(all.begin(), all.begin() + 7, all.end());
+        expected = all[7];
+      }
+      ASSERT_EQ(out[x], expected) << seed << ' ' << x;
+    }
+  }
+}
+
+TEST(Matrix4x3, RowsTruncateTowardZero) {
+  const Samples r = {2048, 1, 0}, gr = {0, 0, 0}, b = {0, 0, 0}, gb = {0, 0, 2049};
+  Samples out(3);
+  MatrixRowLine(r.data(), gr.data(), b.data(), gb.data(), {717, -717, -113, -1}, 3, out.data());
+  EXPECT_EQ(out, (Samples{717, 0, -1}));
+  MatrixRowLine(r.data(), gb.data(), {-1, -2048}, 3, out.data());
+  EXPECT_EQ(out, (Samples{-1, 0, -2049}));
+}
+
+TEST(ChromaSuppress, CurveSegments) {
+  Samples t(ChromaSuppress::kCurveSize);
+  ASSERT_EQ(BuildSuppressionCurve({0, 1, 2, 4, 10, 100, 0, 900, 8}, t.data()), DEIMG_OK);
+  const std::pair<int, Sample> expected[] = {
+      {0, 64},   {1, 68},   {16, 128}, {448, 128}, {449, 127}, {600, 109}, {672, 100},
+      {673, 99}, {900, 71}, {901, 70}, {970, 1},   {971, 0},   {1023, 0}};
+  for (const auto& [i, value] : expected) EXPECT_EQ(t[static_cast<std::size_t>(i)], value) << i;
+  ASSERT_EQ(BuildSuppressionCurve({0, 0, 0, 0, 0, 128, 1, 1023, 0}, t.data()), DEIMG_OK);
+  EXPECT_EQ(t, Samples(1024, 128));
+  ASSERT_EQ(BuildSuppressionCurve({0, 2, 0, 0, 10, 128, 0, 1023, 0}, t.data()), DEIMG_OK);
+  EXPECT_EQ(t[31], 124);
+  // Positions beyond the table are cut, whatever their codes say.
+  EXPECT_EQ(BuildSuppressionCurve({0, 3, 8, 8, 65535, 65535, 0, 65535, 65535}, t.data()), DEIMG_OK);
+  EXPECT_EQ(BuildSuppressionCurve({0, 4, 0, 0, 0, 0, 0, 0, 0}, t.data()), DEIMG_UNSUPPORTED);
+  for (const std::uint16_t code : std::array<std::uint16_t, 4>{3, 9, 10, 12}) {
+    EXPECT_EQ(BuildSuppressionCurve({0, 0, code, 0, 0, 0, 0, 0, 0}, t.data()), DEIMG_UNSUPPORTED);
+    EXPECT_EQ(BuildSuppressionCurve({0, 0, 0, code, 0, 0, 0, 0, 0}, t.data()), DEIMG_UNSUPPORTED);
+  }
+}
+
+TEST(ChromaSuppress, LargestLevelAround) {
+  const int width = 14;
+  Samples r(14, 0), b(14, 0), h(14, 256 * 40), level(14), largest(14);
+  r[6] = 128 * 20;
+  SuppressionLevelLine(r.data(), b.data(), h.data(), width, level.data());
+  EXPECT_EQ(level, (Samples{0, 8, 8, 8, 8, 18, 28, 18, 8, 8, 8, 8, 8, 8}));
+  r[13] = 256;  // counts three times at the last column
+  SuppressionLevelLine(r.data(), b.data(), h.data(), width, level.data());
+  EXPECT_EQ(level[13], 11);
+  level = {99, 1, 0, 0, 0, 0, 9, 0, 0, 0, 5, 6, 7, 8};
+  level[0] = 0;
+  LargestLevelLine(level.data(), width, largest.data());
+  EXPECT_EQ(largest, (Samples{0, 1, 1, 9, 9, 9, 9, 9, 9, 9, 8, 6, 7, 8}));
+  h.assign(14, -1000000);
+  SuppressionLevelLine(r.data(), b.data(), h.data(), width, level.data());
+  EXPECT_EQ(level, Samples(14, 0));
+
+  const Samples in(14, -1000), at(14, 2), curve = {0, 0, 64};
+  Samples out(14);
+  SuppressLine(in.data(), at.data(), curve.data(), 100, width, out.data());
+  EXPECT_EQ(out[0], 0);
+  EXPECT_EQ(out[13], 0);
+  EXPECT_EQ(out[7], -390);  // -6,400,000 / 16,384
+}
+
+TEST(ColorSystemProc, SmoothsAlongTheLine) {
+  Samples in(21, 0), out(21);
+  in[10] = 128;
+  SmoothLine9(in.data(), 21, out.data());
+  EXPECT_EQ(Samples(out.begin() + 5, out.begin() + 16),
+            (Samples{0, 4, 7, 18, 21, 28, 21, 18, 7, 4, 0}));
+  in[10] = 64;
+  SmoothLine7(in.data(), 21, out.data());
+  EXPECT_EQ(Samples(out.begin() + 6, out.begin() + 15), (Samples{0, 3, 8, 13, 16, 13, 8, 3, 0}));
+  in = Random(21, -999, 999, 1);
+  for (const auto smooth : {SmoothLine9, SmoothLine7}) {
+    smooth(in.data(), 21, out.data());
+    for (const std::size_t x : {0u, 3u, 17u, 20u}) EXPECT_EQ(out[x], in[x]);
+    EXPECT_NE(out[4], in[4]);
+  }
+}
+
+TEST(ColorSystemProc, RgbAndBack) {
+  Samples y = {1000, 1000, 20000}, c1 = {0, 100, 0}, c2 = {0, -2000, 0};
+  ToRgbLine({1, 0, -1}, 3, y.data(), c1.data(), c2.data());
+  EXPECT_EQ(y, (Samples{996, 1096, 8191}));
+  EXPECT_EQ(c1, (Samples{1000, 1323, 8191}));  // (1,024,000 - 337,700 + 113,000) / 604
+  EXPECT_EQ(c2, (Samples{1004, -512, 8191}));
+  Samples r = {8191, 0, 1000}, g = {-512, 8191, 1000}, b = {-512, 8191, 1000};
+  ToColourDifferencesLine(r.data(), 3, g.data(), b.data());
+  EXPECT_EQ(g, (Samples{4095, -4095, 0}));  // 4351 is clipped
+  EXPECT_EQ(b, (Samples{-1461, 1375, 0}));
+}
+
+TEST(ColorSystemProc, ChromaGainAndHue) {
+  Samples table(256);
+  BuildChromaGainTable({128, 100, 40, 16, 8, 100, 4}, table.data());
+  const std::pair<std::size_t, Sample> expected[] = {{12, 128}, {13, 127}, {40, 100}, {41, 99},
+                                                     {100, 70}, {101, 69}, {200, 26}, {255, 2}};
+  for (const auto& [i, value] : expected) EXPECT_EQ(table[i], value) << i;
+  BuildChromaGainTable({128, 100, 40, 0, 8, 100, 4}, table.data());  // no slope: only entry 0
+  EXPECT_EQ(table[0], 128);
+  EXPECT_EQ(table[1], 100);
+  BuildChromaGainTable({32767, -32768, 32767, 1, -32768, -5, 32767}, table.data());
+
+  Samples gain(256, 64);
+  gain[128] = 32;
+  Samples cr = {100, -4096, 0}, cb = {-50, 10, 31};
+  ChromaGainLine(gain.data(), 3, cr.data(), cb.data());
+  EXPECT_EQ(cr, (Samples{50, -1024, 0}));
+  EXPECT_EQ(cb, (Samples{-25, 2, 15}));
+  cr = {100, -100, 7};
+  cb = {-200, 200, 0};
+  HueMixLine({1, 2, 4, 8}, 3, cr.data(), cb.data());
+  EXPECT_EQ(cr, (Samples{100 - 15, -100 + 12, 7}));  // (16 + 64) x -200, 64 x 200
+  EXPECT_EQ(cb, (Samples{-200 + 3, 200 - 3, 0}));    // 32 x 100, (8 + 32) x -100
+}
+
+TEST(RgbToneCurve, SevenSegments) {
+  TuningBlock::Words<45> r{};
+  r[7] = 100, r[9] = 64, r[14] = 12, r[15] = 32, r[20] = 20, r[22] = 8, r[23] = 1;
+  r[26] = 40, r[32] = 50, r[38] = 1000, r[39] = 60;
+  const std::pair<Sample, Sample> expected[] = {
+      {-512, 0},   {399, 399},  {400, 384},   {401, 384},   {402, 385},   {1007, 687},
+      {1008, 640}, {1136, 648}, {1919, 1045}, {1920, 1280}, {3312, 1600}, {4000, 1920}};
+  for (const auto& [x, value] : expected) EXPECT_EQ(RgbToneCurve(x, r), value) << x;
+  // Below zero: positive results become 0; modes, shifts and the quarter flag.
+  r[0] = -128;
+  r[2] = 64;
+  EXPECT_EQ(RgbToneCurve(-512, r), 0);
+  EXPECT_EQ(RgbToneCurve(-508, r), 0) << "a positive slope from the floor";
+  r[1] = -16;
+  EXPECT_EQ(RgbToneCurve(-512, r), -512);
+  EXPECT_EQ(RgbToneCurve(-412, r), -412);
+  r[6] = 1;
+  EXPECT_EQ(RgbToneCurve(-412, r), -512 + 25);
+  r[5] = 1;
+  EXPECT_EQ(RgbToneCurve(-412, r), -512 + 12);
+  r[24] = 1;
+  EXPECT_EQ(RgbToneCurve(1919, r), 640 + (8 * 911 * 911 / 256 / 64 >> 1));
+  // The last segment keeps its mode behind its shift.
+  r[41] = 1;
+  EXPECT_EQ(RgbToneCurve(4512, r), 1920 + 512 * 512 / 512 / 64);
+  r[44] = 1;
+  EXPECT_EQ(RgbToneCurve(4512, r), 1920 + 512 * 512 / 256 / 64);
+}
+
+TEST(LastStageRgb, ScalesAndClips) {
+  const Samples y = {8191, 0, 100, 0}, cr = {0, 0, 0, -100}, cb = {0, 0, 40, 0};
+  Samples rgb(12);
+  RgbLine8(y.data(), cr.data(), cb.data(), 4, rgb.data());
+  EXPECT_EQ(rgb, (Samples{255, 255, 255, 0, 0, 0, 3, 2, 5, 0, 2, 0}));
+  RgbLine16(y.data(), cr.data(), cb.data(), 4, rgb.data());
+  EXPECT_EQ(rgb, (Samples{65535, 65535, 65535, 7, 7, 7, 807, 697, 1373, 0, 578, 7}));
+}
+
+}  // namespace
+}  // namespace deimg

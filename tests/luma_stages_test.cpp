@@ -1,0 +1,268 @@
+// Kernels and tables of the luminance path.
+#include <gtest/gtest.h>
+
+#include <numeric>
+
+#include "stages/luma/a_filter_main.h"
+#include "stages/luma/apc_curve.h"
+#include "stages/luma/h_apc_procs.h"
+#include "stages/luma/hor_lpf_for_a_filter.h"
+#include "stages/luma/r_apc_procs.h"
+#include "stages/luma/ramen_to_ymix.h"
+#include "stages/luma/v_apc_procs.h"
+#include "stages/luma/ver_lpf_for_a_filter.h"
+#include "stages/luma/ymain_procs.h"
+
+namespace deimg {
+namespace {
+
+using Samples = std::vector<Sample>;
+
+TEST(VerLpf, KernelsBySelectorAndParity) {
+  const Samples zero(2, 0), hundred(2, 100), minus(2, -7);
+  const auto run = [](const std::array<const Sample*, 7>& lines, int selector, bool odd) {
+    Samples out(2);
+    VerLpfLine(lines, VerLpfTapsOf(selector).value(), odd, 2, out.data());
+    return out;
+  };
+  const Sample *z = zero.data(), *h = hundred.data();
+  for (const int selector : {8, 9, 10, 15, 24, 26, 28}) {
+    for (const bool odd : {false, true}) {
+      EXPECT_EQ(run({h, h, h, h, h, h, h}, selector, odd), (Samples{400, 400})) << selector;
+    }
+  }
+  EXPECT_EQ(run({z, z, z, h, z, z, z}, 15, true), (Samples{650, 0}));
+  EXPECT_EQ(run({z, z, z, h, z, z, z}, 15, false), (Samples{0, 650}));
+  EXPECT_EQ(run({h, z, z, z, h, z, z}, 15, true), (Samples{0, 200}));
+  EXPECT_EQ(run({z, h, z, z, z, z, z}, 15, false), (Samples{0, -125}));
+  EXPECT_EQ(run({minus.data(), z, z, z, z, z, z}, 8, true)[1], -1) << "-7 / 4";
+  EXPECT_FALSE(VerLpfTapsOf(11));
+}
+
+TEST(HorLpf, TapsDivisorsAndEdges) {
+  const auto run = [](const Samples& in, const Samples& taps, Sample divisor) {
+    Samples out(in.size());
+    HorLpfLine(in.data(), taps, divisor, static_cast<int>(in.size()), out.data());
+    return out;
+  };
+  EXPECT_EQ(run({0, 4, 0, 4, 0, 4}, {1, 2, 1}, 1), (Samples{0, 8, 8, 8, 8, 16}));
+  EXPECT_EQ(run({-3, 0, 0, 0}, {1, 2, 1}, 4), (Samples{-3, 0, 0, 0}));
+  EXPECT_EQ(run({1, 2, 4, 8}, {1, 1, 1}, 2), (Samples{1, 3, 7, 8}));
+  const Samples nine = run(Samples(12, 100), {1, 2, 3, 4, 5, 4, 3, 2, 1}, 25);
+  EXPECT_EQ(nine, Samples(12, 100));
+  EXPECT_EQ(run({0, 0, 80, 0, 0, 0}, {1, 2, 2, 2, 1}, 8), (Samples{0, 0, 20, 20, 0, 0}));
+}
+
+TEST(AFilter, GainTableAndDirection) {
+  Samples table(AFilterMain::kGainTableSize);
+  BuildAFilterGainTable(4, 16, table.data());
+  EXPECT_EQ(table[15], 0);
+  EXPECT_EQ(table[17], 2);
+  EXPECT_EQ(table[31], 30);
+  EXPECT_EQ(table[32], 32);
+  EXPECT_EQ(table[256], 32);
+
+  const Samples direction = {0, -300, 300, 20, -20}, vertical(5, 10), both(5, 93), hokan(5, 10);
+  Samples out(5);
+  AFilterLine(direction.data(), vertical.data(), both.data(), hokan.data(), table.data(), 5,
+              out.data());
+  EXPECT_EQ(out, (Samples{0, 40 - 93, 80 - 93, -3, -13}));
+
+  BuildAFilterGainTable(0, 16, table.data());
+  EXPECT_EQ(table[16], 0);
+  EXPECT_EQ(table[17], 32);
+  BuildAFilterGainTable(8, 65535, table.data());
+  EXPECT_EQ(table[255], 0);
+  EXPECT_EQ(table[256], 32);
+}
+
+TEST(RamenToYmix, DetailAndMix) {
+  const Samples l = {100, 100, 100}, a = {-3, 80, -9};
+  Samples mixed(3), enhanced(3);
+  AddDetailLine(l.data(), a.data(), 1, 8, 3, mixed.data(), enhanced.data());
+  EXPECT_EQ(enhanced, (Samples{100, 110, 99}));
+  EXPECT_EQ(mixed, (Samples{103, 30, 108}));
+
+  Samples y(5, 1000);
+  const Samples r(5, 1000), b(5, 1000);
+  MixLine(r.data(), b.data(), {77, 151, 28}, 0, 5, y.data());
+  EXPECT_EQ(y, Samples(5, 2230));
+  y.assign(5, 0);
+  const Samples spike = {0, 0, 256, 0, 0}, none(5, 0);
+  MixLine(spike.data(), none.data(), {1, 0, 0}, 8 * -3, 5, y.data());
+  EXPECT_EQ(y, (Samples{24, 25, 26, 25, 24}));
+  y = {0, 0};
+  MixLine(spike.data() + 1, spike.data() + 2, {1, 0, 64}, 0, 2, y.data());
+  EXPECT_EQ(y, (Samples{256, 4})) << "a line of two samples has edges only";
+}
+
+TEST(ApcCurve, ThreeSegments) {
+  ApcCurve curve;
+  ASSERT_EQ(curve.Build({2, 10, 5, 9, 5, -2, -10, 4}, 8192), DEIMG_OK);
+  const std::int16_t* const t = curve.table();
+  EXPECT_EQ(t[20], 0);
+  EXPECT_EQ(t[21], 4);
+  EXPECT_EQ(t[39], 76);
+  EXPECT_EQ(t[40], 32) << "the last segment takes the shared entry";
+  EXPECT_EQ(t[8191], 63);
+  Samples in = {-33 * 16, 33 * 16 + 15, 15, 300000000, -300000000};
+  Samples out(5);
+  curve.Apply(in.data(), 16, 5, out.data());
+  EXPECT_EQ(out, (Samples{-t[33], t[33], t[0], 63, -63}));
+  curve.Apply(in.data(), 16, 5, in.data());
+  EXPECT_EQ(in, out) << "in place";
+
+  ASSERT_EQ(curve.Build({0, 32767, 3, 3, 11, 1000, 8191, 0}, 100), DEIMG_OK);
+  EXPECT_EQ(curve.table()[0], 0) << "8191 x 8 stored as 16 bits is negative: 0";
+  ASSERT_EQ(curve.Build({-5, -5, 0, 0, 12, 0, 0, 3}, 100), DEIMG_OK);
+  EXPECT_EQ(curve.table()[99], 24) << "an unknown slope is flat";
+}
+
+TEST(HApc, HighPasses) {
+  Samples in(9, 0), out(9, 5);
+  in[4] = 400;
+  NarrowHighPassLine(in.data(), 9, out.data());
+  EXPECT_EQ(out, (Samples{0, 0, -100, 0, 200, 0, -100, 0, 0}));
+  WideHighPassLine(in.data(), 9, out.data());
+  EXPECT_EQ(out, (Samples{0, 0, 0, -25, 200, -25, 0, 0, 0}));
+}
+
+TEST(VApc, HighPassesAndSmoothing) {
+  const Samples zero(13, 0), hundred(13, 100);
+  const Sample *z = zero.data(), *h = hundred.data();
+  Samples out(13);
+  VerticalHighPass3Line(z, h, z, 13, out.data());
+  EXPECT_EQ(out[0], 100);
+  VerticalHighPass7Line(z, z, z, h, z, z, z, 13, out.data());
+  EXPECT_EQ(out[5], 100);
+  VerticalHighPass7Line(z, z, z, z, z, h, z, 13, out.data());
+  EXPECT_EQ(out[12], -50);
+  VerticalHighPass7Line(z, z, h, z, z, z, h, 13, out.data());
+  EXPECT_EQ(out[12], 0);
+  Samples in(13, 0);
+  in[6] = 160;
+  in[0] = in[12] = 7;
+  SmoothDetailLine(in.data(), 13, out.data());
+  EXPECT_EQ(out, (Samples{7, 0, 0, 0, 10, 40, 60, 40, 10, 0, 0, 0, 7}));
+}
+
+TEST(RApc, SmoothingHasAGainOf16) {
+  const Samples line(8, 100);
+  const Sample* const l = line.data();
+  const SevenLines in = {l, l, l, l, l, l, l};
+  Samples v(8), p0(8), p1(8), p2(8);
+  VerticalSmooth5Line(in, 8, v.data());
+  EXPECT_EQ(v, Samples(8, 400));
+  HorizontalSmooth5Line(v.data(), 6, 1, 1, 8, p0.data());
+  EXPECT_EQ(p0, (Samples{400, 400, 1600, 1600, 1600, 1600, 400, 400}));
+  HorizontalSmooth5Line(v.data(), 10, -1, 4, 8, p1.data());
+  EXPECT_EQ(p1, Samples(8, 1600));
+  VerticalSmooth7Line(in, {28, 17, 2, -1}, 8, v.data());
+  EXPECT_EQ(v, Samples(8, 400));
+  ReferenceLine(in, 8, p2.data());
+  EXPECT_EQ(p2, Samples(8, 1600));
+  BlendLine(p2.data(), p1.data(), 3, 8, p0.data());
+  EXPECT_EQ(p0, (Samples{750, 750, 0, 0, 0, 0, 750, 750}));  // 1200 - 150 x 3
+
+  const Samples ones(4, 1);
+  Samples out(4);
+  HorizontalSmooth121Line(ones.data(), 4, out.data());
+  EXPECT_EQ(out, (Samples{4, 4, 4, 10})) << "the last column adds its new neighbour";
+}
+
+TEST(YMain, DetailGainTable) {
+  std::vector<std::uint16_t> t(YMainProcs::kGainTableSize);
+  ASSERT_EQ(BuildDetailGainTable({3, 2, 0, 32}, t.data()), DEIMG_OK);
+  EXPECT_EQ(t[31], 31 * 16);
+  EXPECT_EQ(t[32], 512);
+  EXPECT_EQ(t[959], 512);
+  EXPECT_EQ(t[1000], 192);
+  EXPECT_EQ(t[1023], 8);
+  ASSERT_EQ(BuildDetailGainTable({0, 0, 1, 5}, t.data()), DEIMG_OK);
+  EXPECT_EQ(t[0], 80);
+  EXPECT_EQ(t[1022], 80);
+  EXPECT_EQ(t[1023], 0) << "beyond its end";
+  EXPECT_EQ(BuildDetailGainTable({4, 0, 0, 1}, t.data()), DEIMG_UNSUPPORTED);
+  EXPECT_EQ(BuildDetailGainTable({0, 4, 0, 1}, t.data()), DEIMG_UNSUPPORTED);
+  EXPECT_EQ(BuildDetailGainTable({0, 0, 8, 1}, t.data()), DEIMG_UNSUPPORTED);
+  const Sample scales[3][4] = {{0, 128, 256, -1}, {64, 192, 320, 576}, {512, 640, 768, -1}};
+  for (const int a : {-1, 0, 1, 2}) {
+    for (int b = 0; b < 5; ++b) {
+      Sample scale = -1;
+      const Sample expected = b == 4 ? -1 : scales[a == 0 || a == 1 ? a : 2][b];
+      EXPECT_EQ(NegativeScale(static_cast<std::int16_t>(a), static_cast<std::int16_t>(b), scale),
+                expected < 0 ? Result{DEIMG_UNSUPPORTED} : Result{DEIMG_OK});
+      EXPECT_EQ(scale, expected);
+    }
+  }
+}
+
+TEST(YMain, DetailsByLevel) {
+  const Samples y(12, 6400), zero(12, 0), minus(12, -100);
+  std::vector<std::uint16_t> table(1024, 0);
+  table[100] = 128;
+  Samples scratch(12), out(12);
+  const auto add = [&](const Samples& detail, Sample scale) {
+    AddDetailsLine(y.data(), {zero.data(), zero.data(), detail.data(), zero.data(), zero.data()},
+                   table.data(), scale, 12, scratch.data(), out.data());
+    return out;
+  };
+  EXPECT_EQ(add(minus, 512), Samples(12, (6400 - 50) / 8));
+  EXPECT_EQ(add(minus, 0), Samples(12, 800));
+  EXPECT_EQ(add(Samples(12, 100000), 0), Samples(12, 8191));
+  // Three single-sample levels at the end of the line, two at its start.
+  Samples step(12, 0);
+  step[8] = 64 * 100;
+  table.assign(1024, 0);
+  table[100] = 128;
+  const Samples detail(12, 80);
+  AddDetailsLine(step.data(), {detail.data(), zero.data(), zero.data(), zero.data(), zero.data()},
+                 table.data(), 0, 12, scratch.data(), out.data());
+  EXPECT_EQ(out[8], 800) << "the level of column 8 is an average";
+  step = Samples(12, 0);
+  step[9] = 64 * 100;
+  AddDetailsLine(step.data(), {detail.data(), zero.data(), zero.data(), zero.data(), zero.data()},
+                 table.data(), 0, 12, scratch.data(), out.data());
+  EXPECT_EQ(out[9], 810) << "that of column 9 is its own";
+
+  const Samples limits = {8191 * 8 + 7, -5, 8192 * 8};
+  ScaleLuminanceLine(limits.data(), 3, out.data());
+  EXPECT_EQ(Samples(out.begin(), out.begin() + 3), (Samples{8191, 0, 8191}));
+}
+
+TEST(YMain, ToneCurveSegments) {
+  TuningBlock::Words<32> c{};
+  std::iota(c.begin(), c.end(), std::int16_t{0});
+  c[0] = 10, c[1] = 1, c[2] = 64, c[3] = 0, c[4] = 0, c[5] = 0;
+  c[6] = 5, c[7] = 0, c[8] = 512, c[9] = 2, c[10] = 1;
+  c[11] = 7, c[16] = 9, c[21] = 11, c[26] = 1000, c[27] = 300, c[28] = c[29] = 0;
+  EXPECT_EQ(LuminanceToneCurve(39, c), 39 + 32);
+  EXPECT_EQ(LuminanceToneCurve(40, c), 160);
+  EXPECT_EQ(LuminanceToneCurve(360, c), 160 + (320 * 320 / 64 >> 2 >> 2));
+  EXPECT_EQ(LuminanceToneCurve(1008, c), 7 * 32);
+  EXPECT_EQ(LuminanceToneCurve(1920, c), 9 * 32);
+  EXPECT_EQ(LuminanceToneCurve(3312, c), 11 * 32);
+  EXPECT_EQ(LuminanceToneCurve(4000, c), 8191);
+  c[26] = 0;
+  EXPECT_EQ(LuminanceToneCurve(3312, c), 8191) << "the last segment begins before the fifth";
+}
+
+TEST(YMain, CorrectionByColourDifference) {
+  ChromaCorrection correction = ChromaCorrectionOf({4, 1, 2, 0, 1, 3, 0});
+  EXPECT_EQ(correction.threshold, 128);
+  EXPECT_EQ(correction.gainCb, 64 >> 2);
+  EXPECT_EQ(correction.gainCr, -(48 >> 3));
+  EXPECT_EQ(ChromaCorrectionOf({0, 0, 0, 0, 1, 0, 0}).threshold, 0);
+  EXPECT_EQ(ChromaCorrectionOf({0, 0, 0, 0, 1, 0, 0}).gainCb, 0);
+  EXPECT_EQ(ChromaCorrectionOf({0, 3, 0, 4, 0, 1, 0}).gainCb, 32);
+  EXPECT_EQ(ChromaCorrectionOf({0, 3, 0, 4, 0, 1, 0}).gainCr, 0) << "a count of -1 is 31";
+
+  correction = {100, 16, 32};
+  const Samples cr = {100, 116, -500, 4095}, cb = {0, 108, 0, 4095};
+  Samples y = {50, 50, 50, 50};
+  CorrectByChromaLine(cr.data(), cb.data(), correction, 4, y.data());
+  EXPECT_EQ(y, (Samples{50, (100 - 32 + 1) / 2, 50, 0}));
+}
+
+}  // namespace
+}  // namespace deimg

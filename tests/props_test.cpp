@@ -1,0 +1,218 @@
+// The property heap, the fourteen properties and the diagnostics.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <functional>
+
+#include "props/diagnostics.h"
+#include "props/image_props.h"
+#include "props/props_heap.h"
+#include "rawfile/property_set.h"
+#include "rawfile/random_camera.h"
+#include "support/fault_heap.h"
+#include "support/streams.h"
+
+namespace deimg {
+namespace {
+
+using rawfile::ByteOrder;
+using rawfile::Bytes;
+using rawfile::Heap;
+
+/// Reads one property of a heap into a slot prefilled with 0xEE.
+Result ReadFrom(const Heap& heap, std::uint16_t tag, std::vector<std::uint8_t>& slot,
+                ByteOrder order = ByteOrder::kLittle) {
+  const Bytes bytes = heap.Serialize(order);
+  PropsHandle handle;
+  EXPECT_EQ(pxfPsReadOpenImagePropsFromMemory(bytes.data(), order == ByteOrder::kBig,
+                                              static_cast<std::uint32_t>(bytes.size()), &handle),
+            kPropsOk);
+  return PropsRead(handle.get(), tag, slot.data(), slot.size());
+}
+
+TEST(PropsHeap, FindsDepthFirstInDirectoryOrder) {
+  Heap heap;
+  heap.SubHeap(0x3001).SubHeap(0x2802).Add(0x0801, {'d', 'e', 'e', 'p'});
+  heap.Add(0x0801, {'f', 'l', 'a', 't'});
+  std::vector<std::uint8_t> slot(4, 0xEE);
+  EXPECT_EQ(ReadFrom(heap, 0x0801, slot), kPropsOk);
+  EXPECT_EQ(std::memcmp(slot.data(), "deep", 4), 0);
+  EXPECT_EQ(ReadFrom(heap, 0x0802, slot), kPropsNotFound);
+  EXPECT_EQ(ReadFrom(heap, 0x3001, slot), kPropsNotFound);  // a sub-heap is never a property
+}
+
+TEST(PropsHeap, CopiesByTypeOrderAndSize) {
+  Heap heap;
+  heap.Add(0x1001, {0x12, 0x34, 0x56, 0x78, 0x9A});
+  heap.Add(0x1802, {0x01, 0x02, 0x03, 0x04, 0x05, 0x06, 0x07, 0x08});
+  heap.AddInEntry(0x5803, {0, 0, 0, 1, 0, 0, 0, 2});
+  std::vector<std::uint8_t> slot(6, 0xEE);
+  ASSERT_EQ(ReadFrom(heap, 0x1001, slot, ByteOrder::kBig), kPropsOk);
+  EXPECT_EQ(slot, (std::vector<std::uint8_t>{0x34, 0x12, 0x78, 0x56, 0xEE, 0xEE}));
+  ASSERT_EQ(ReadFrom(heap, 0x1001, slot), kPropsOk);
+  EXPECT_EQ(slot, (std::vector<std::uint8_t>{0x12, 0x34, 0x56, 0x78, 0xEE, 0xEE}));
+  slot.assign(4, 0xEE);
+  ASSERT_EQ(ReadFrom(heap, 0x1802, slot, ByteOrder::kBig), kPropsOk);  // cut to the slot
+  EXPECT_EQ(slot, (std::vector<std::uint8_t>{4, 3, 2, 1}));
+  slot.assign(8, 0xEE);
+  ASSERT_EQ(ReadFrom(heap, 0x5803, slot, ByteOrder::kBig), kPropsOk);
+  EXPECT_EQ(slot, (std::vector<std::uint8_t>{1, 0, 0, 0, 2, 0, 0, 0}));
+}
+
+TEST(PropsHeap, RefusesWhatLeavesIt) {
+  Heap heap;
+  heap.Add(0x0801, {'a', 'b', 'c', 'd'});
+  heap.SubHeap(0x3001).Add(0x0802, {'x'});
+  const Bytes good = heap.Serialize(ByteOrder::kLittle);
+  const auto search = [&](const Bytes& bytes, std::uint16_t tag) {
+    PropsHandle handle(
+        pxfPsPropsProlog(false, bytes.data(), static_cast<std::uint32_t>(bytes.size())));
+    char slot[4];
+    return PropsRead(handle.get(), tag, slot, sizeof(slot));
+  };
+  ASSERT_EQ(search(good, 0x0801), kPropsOk);
+  const std::size_t directory = rawfile::Bytes::size_type{good[good.size() - 4]};
+  for (const std::size_t byte : {directory + 2 + 5, directory + 2 + 9}) {  // size, offset
+    Bytes bad = good;
+    bad[byte] = 0x7F;
+    EXPECT_EQ(search(bad, 0x0801), kPropsUnreadable) << byte;
+    EXPECT_EQ(search(bad, 0x0802), kPropsOk) << "only the record that is wanted counts";
+    bad[byte + 10] = 0x7F;
+    EXPECT_EQ(search(bad, 0x0802), kPropsUnreadable) << "a sub-heap on the way does";
+  }
+  Bytes manyEntries = good;
+  manyEntries[directory + 1] = 1;
+  EXPECT_EQ(search(manyEntries, 0x0801), kPropsUnreadable);
+  EXPECT_EQ(search({0, 0, 0, 0, 0}, 0x0801), kPropsUnreadable);
+  EXPECT_EQ(PropsRead(nullptr, 0x0801, nullptr, 0), kPropsInvalidHandle);
+
+  Heap deep;
+  Heap* inner = &deep;
+  for (int level = 1; level <= 16; ++level) inner = &inner->SubHeap(0x3001);
+  inner->Add(0x0801, {'a'});
+  EXPECT_EQ(search(deep.Serialize(ByteOrder::kLittle), 0x0801), kPropsOk);
+  inner->SubHeap(0x3002);
+  inner->Add(0x0803, {'a'});
+  EXPECT_EQ(search(deep.Serialize(ByteOrder::kLittle), 0x0803), kPropsUnreadable);
+}
+
+Result ReadProps(Bytes file, ImageProps& props) {
+  testing::InputStream input(std::move(file));
+  ImagePropsBlock block;
+  DEIMG_RETURN_IF_FAILED(ReadImagePropsBlock(*input.get(), block));
+  return pxfPsReadOpenImageProps(block, props);
+}
+
+TEST(ImageProps, SameInBothByteOrders) {
+  for (const std::uint64_t seed : {1, 2, 3, 4, 5, 6}) {
+    rawfile::RawFile file = rawfile::RandomCamera(seed);
+    ImageProps little{};
+    ImageProps big{};
+    file.order = ByteOrder::kLittle;
+    ASSERT_EQ(ReadProps(Serialize(file), little), DEIMG_OK) << seed;
+    file.order = ByteOrder::kBig;
+    ASSERT_EQ(ReadProps(Serialize(file), big), DEIMG_OK) << seed;
+    EXPECT_EQ(std::memcmp(&little, &big, sizeof(ImageProps)), 0) << seed;
+    EXPECT_EQ(little.sensor.width, file.plane.width);
+    EXPECT_EQ(little.sensor.areaBottom, file.properties.sensor.area.bottom);
+    EXPECT_EQ(little.codeSetIndex(), file.properties.decoder.codeSet);
+    EXPECT_EQ(little.presetGains[6][3], file.properties.presetGains[6][3]);
+    EXPECT_EQ(little.blackLevelWords[2], file.properties.blackLevels[2]);
+    EXPECT_EQ(little.recordedColourLevel(), file.properties.colourLevel);
+  }
+}
+
+TEST(ImageProps, AllFourteenAreNeeded) {
+  for (const std::uint16_t tag : rawfile::kPropertyTags) {
+    rawfile::RawFile file = rawfile::RandomCamera(7);
+    file.properties.omitted = {tag};
+    file.properties.extras.clear();
+    ImageProps props{};
+    EXPECT_EQ(ReadProps(Serialize(file), props), DEIMG_PROPS_UNREADABLE) << tag;
+  }
+}
+
+TEST(ImageProps, ShortRecordLeavesTheRestZero) {
+  rawfile::RawFile file = rawfile::RandomCamera(7);
+  file.order = ByteOrder::kLittle;
+  file.properties.trailing.clear();
+  file.properties.overrides[rawfile::kTagUnread10C0] = Bytes(20, 0x11);
+  ImageProps props{};
+  ASSERT_EQ(ReadProps(Serialize(file), props), DEIMG_OK);
+  EXPECT_EQ(props.slot8[9], 0x1111);
+  EXPECT_EQ(props.slot8[10], 0);
+}
+
+TEST(ImageProps, ChecksHeaderAndDirectory) {
+  const auto put32 = [](Bytes& bytes, std::size_t at, std::uint32_t value) {
+    for (int i = 0; i < 4; ++i)
+      bytes[at + static_cast<std::size_t>(i)] = static_cast<std::uint8_t>(value >> 8 * i);
+  };
+  Bytes file(26 + 40, 0);
+  file[0] = file[1] = 'I';
+  put32(file, 2, 26);
+  ImageProps props{};
+  EXPECT_EQ(ReadProps(file, props), DEIMG_PROPS_UNREADABLE);  // no image property block
+  EXPECT_EQ(ReadProps(Bytes(25, 'I'), props), DEIMG_PROPS_UNREADABLE);
+  Bytes bad = file;
+  bad[1] = 'M';
+  EXPECT_EQ(ReadProps(bad, props), DEIMG_PROPS_UNREADABLE);
+  for (const std::uint32_t headerLength : {25u, 61u, 67u, 0xFFFFFFFFu}) {
+    bad = file;
+    put32(bad, 2, headerLength);
+    EXPECT_EQ(ReadProps(bad, props), DEIMG_PROPS_UNREADABLE) << headerLength;
+  }
+  bad = file;
+  put32(bad, 62, 35);  // the directory may start at 34 at the latest
+  EXPECT_EQ(ReadProps(bad, props), DEIMG_PROPS_UNREADABLE);
+  // Too many entries: the size of the directory is looked at before its place.
+  bad = file;
+  bad[26] = 3277 & 0xFF;
+  bad[27] = 3277 >> 8;
+  EXPECT_EQ(ReadProps(bad, props), DEIMG_PROPS_DIRECTORY_TOO_LARGE);
+  bad[26] = 3276 & 0xFF;
+  EXPECT_EQ(ReadProps(bad, props), DEIMG_PROPS_UNREADABLE);
+}
+
+TEST(Diagnostics, HandleAllocationFailureIsPrinted) {
+  ImagePropsBlock block;
+  block.blockData = BlockOf<std::uint8_t>::Zeroed(16);
+  block.blockSize = 16;
+  ImageProps props{};
+  ::testing::internal::CaptureStdout();
+  {
+    const testing::FaultScope faults({.failAt = 1});
+    EXPECT_EQ(pxfPsReadOpenImageProps(block, props), DEIMG_PROPS_UNREADABLE);
+  }
+  std::fflush(stdout);
+  EXPECT_EQ(::testing::internal::GetCapturedStdout(),
+            "::pxfPsPropsProlog:complibAllocMemory () failed."
+            "pxfPsReadOpenImagePropsFromMemory:pxfPsPropsProlog () failed. "
+            "[COMPLIB_STG_E_INSUFFICIENTMEMORY]"
+            "ERROR:pxfPsReadOpenImageProps () failed. [02290008]\n");
+}
+
+TEST(Diagnostics, RefusedReleaseIsReported) {
+  PropsHandle handle(pxfPsPropsProlog(false, nullptr, 0));
+  ::testing::internal::CaptureStderr();
+  {
+    const testing::FaultScope faults({.refuseRelease = true});
+    errno = ENOMEM;
+    EXPECT_EQ(handle.Close(), kPropsHeapRefused);
+  }
+  EXPECT_EQ(::testing::internal::GetCapturedStderr(),
+            "COMPL\nERROR COMPL: HeapFree () failed.\nCannot allocate memory\n");
+  EXPECT_EQ(handle.Close(), kPropsInvalidHandle);
+
+  errno = 0;
+  char text[24];
+  FormatReport("TAG", 0, "message", text, sizeof(text));
+  EXPECT_STREQ(text, "TRACE TAG: message\n");
+  FormatReport("TAG", 7, "message", text, sizeof(text));
+  EXPECT_STREQ(text, "TAG: message\n");
+  FormatReport("TAG", 3, "a message too long for it", text, sizeof(text));
+  EXPECT_STREQ(text, "FATAL TAG: a message to");
+}
+
+}  // namespace
+}  // namespace deimg

@@ -1,0 +1,260 @@
+// The raw-file writer against the library that reads its files: what was put in comes out again.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "decode/sensor_plane_decoder.h"
+#include "rawfile/mosaic.h"
+#include "rawfile/natural_tuning.h"
+#include "rawfile/random_camera.h"
+#include "storage/memory_stream.h"
+#include "support/streams.h"
+
+namespace deimg::testing {
+namespace {
+
+using rawfile::ByteOrder;
+using rawfile::Bytes;
+using rawfile::EncodeSensorData;
+using rawfile::Plane;
+using rawfile::RawFile;
+using rawfile::WriteError;
+
+/// What the library's reader and decoder make of a file.
+struct ReadBack {
+  Result result = 0;
+  ImageProps props{};
+  std::vector<uint16_t> samples;
+};
+
+ReadBack Read(const RawFile& file) {
+  ReadBack back;
+  InputStream input(rawfile::Serialize(file));
+  std::uint32_t error = 0;
+  input.get()->Open(input.get()->cookie, DEIMG_OPEN_READ, &error);
+  ImagePropsBlock block;
+  back.result = ReadImagePropsBlock(*input.get(), block);
+  if (back.result == 0) back.result = pxfPsReadOpenImageProps(block, back.props);
+  if (back.result != 0) return back;
+  const ImageGeometry geometry = DeriveGeometry(back.props.sensor);
+  MemoryStream plane = MemoryStream::Make(PlaneBytes(geometry));
+  back.result = SensorPlaneDecoder(*input.get(), geometry, back.props, *plane.get());
+  for (size_t i = 0; i < file.plane.samples.size(); ++i) {
+    back.samples.push_back(
+        static_cast<uint16_t>(plane.memory()[2 * i] | plane.memory()[2 * i + 1] << 8));
+  }
+  return back;
+}
+
+RawFile NaturalFile(Plane plane) {
+  RawFile file;
+  file.properties = rawfile::NaturalProperties();
+  file.SetPlane(std::move(plane));
+  return file;
+}
+
+RawFile PictureFile(const rawfile::PictureSource& picture) {
+  RawFile file;
+  file.properties = rawfile::NaturalProperties();
+  SetPicture(picture, file);
+  return file;
+}
+
+/// The developed picture as one run of bytes; empty after a failure.
+std::vector<uint8_t> Developed(const RawFile& file) {
+  std::vector<uint8_t> pixels;
+  for (const auto& line : Develop(rawfile::Serialize(file), DEIMG_JOB_FULL, 4).lines) {
+    pixels.insert(pixels.end(), line.begin(), line.end());
+  }
+  return pixels;
+}
+
+std::vector<uint8_t> PixelsOf(const rawfile::PictureSource& picture) {
+  std::vector<uint8_t> pixels(size_t{3} * picture.width * picture.height);
+  const size_t stride = size_t{3} * picture.width;
+  for (uint32_t y = 0; y < picture.height; ++y) {
+    picture.readLine(y, std::span(pixels).subspan(stride * y, stride));
+  }
+  return pixels;
+}
+
+TEST(RawFileWriter, CodedBytesAreTheFormats) {
+  // Set 0 has 11110 for a first value of 0 and 111111011 for the end of a block.
+  const Plane grey{8, 8, std::vector<uint16_t>(64, 2048)};
+  Bytes data = EncodeSensorData(grey, {0, 1, 2}, {.filler = 0x55, .minimumCodedSize = 8});
+  EXPECT_EQ(data, (Bytes{0,    0,    0,    0,    0,    0,    0,    0,
+                         0,    0,    0,    0,    0,    0,    0,    0,  // low bits
+                         0x55, 0x55, 0x55, 0xF7, 0xEC, 0x55, 0x55, 0x55}));
+  const Plane steps{4, 1, {0, 1, 2, 3}};
+  EXPECT_THROW(EncodeSensorData(steps, {}), WriteError);  // samples behind the last whole block
+  EXPECT_EQ(EncodeSensorData(grey, {}).size(), 16u + 65536u);
+}
+
+TEST(RawFileWriter, EveryRunAndSizeDecodes) {
+  // One block per run of zeros and size of difference, for all code sets and both ways to end.
+  Plane plane{64, 160, {}};
+  for (int block = 0; block < 160; ++block) {
+    const int run = block % 16 + (block / 16 % 4) * 16;
+    const int difference = (1 << (block / 16)) - (block % 2);
+    for (int k = 0; k < 64; ++k) {
+      const int level = block % 4 < 2 ? 512 + difference / 2 : 512 - difference / 2;
+      const int moved = block % 4 < 2 ? level - difference : level + difference;
+      const int value = k <= run ? level : std::clamp(moved, 0, 1023);
+      plane.samples.push_back(static_cast<uint16_t>(4 * std::clamp(value, 0, 1023) + (k & 3)));
+    }
+  }
+  for (uint32_t set = 0; set < 3; ++set) {
+    for (const bool runs : {false, true}) {
+      RawFile file = NaturalFile(plane);
+      file.properties.decoder = {set, 3 * set, 60000};
+      file.coding = {.stuffing = static_cast<uint8_t>(0x12 + 0xED * runs), .runsToLastEntry = runs};
+      const ReadBack back = Read(file);
+      EXPECT_EQ(back.result, 0u);
+      EXPECT_TRUE(back.samples == plane.samples) << "set " << set << " runs " << runs;
+    }
+  }
+}
+
+TEST(RawFileWriter, RefusesWhatTheCodeCannotHold) {
+  Plane jump{8, 8, std::vector<uint16_t>(64, 2048)};
+  jump.samples[20] = 2048 + 4 * 1023 + 3;  // eleven bits are the first too many
+  EXPECT_NO_THROW(EncodeSensorData(jump, {}));
+  jump.samples[20] = 2048 + 4 * 1024;
+  EXPECT_THROW(EncodeSensorData(jump, {}), WriteError);
+  jump.samples[20] = 65535;
+  EXPECT_THROW(EncodeSensorData(jump, {}), WriteError);
+  EXPECT_THROW(EncodeSensorData({7, 64, std::vector<uint16_t>(448)}, {}), WriteError);
+  EXPECT_THROW(EncodeSensorData({8, 8, std::vector<uint16_t>(64)}, {0, 65535, 1}), WriteError);
+  EXPECT_THROW(EncodeSensorData({8, 8, std::vector<uint16_t>(63)}, {}), WriteError);
+}
+
+TEST(RandomCameras, ReadBackAsWritten) {
+  int big = 0, nested = 0, dataInHeader = 0, sets[3] = {};
+  for (uint64_t seed = 0; seed < 120; ++seed) {
+    SCOPED_TRACE(seed);
+    const RawFile file = rawfile::RandomCamera(seed);
+    const rawfile::PropertySet& p = file.properties;
+    const ReadBack back = Read(file);
+    ASSERT_EQ(back.result, 0u);
+    EXPECT_TRUE(back.samples == file.plane.samples);
+    EXPECT_EQ(int16_t(back.props.sensitivity()), p.sensitivity);
+    EXPECT_EQ(back.props.recordedPreset(), p.wbPreset);
+    EXPECT_EQ(back.props.recordedToneLevel(), p.toneLevel);
+    EXPECT_EQ(back.props.recordedMatrixLevel(), p.matrixLevel);
+    EXPECT_EQ(back.props.recordedProcessingSet(), p.processingSet);
+    EXPECT_EQ(back.props.recordedColourLevel(), p.colourLevel);
+    EXPECT_EQ(back.props.sensor.areaRight, p.sensor.area.right);
+    EXPECT_EQ(back.props.presetGains[6][3], p.presetGains[6][3]);
+    EXPECT_EQ(back.props.blackLevelWords[3], p.blackLevels[3]);
+    EXPECT_EQ(back.props.colourTemperatures[7], p.colourTemperatures[7]);
+    const TuningBlock block(back.props.tuningBlock);
+    for (size_t set = 0; set < rawfile::kSets; ++set) {
+      const rawfile::DetailTuning& detail = p.tuning.details[set];
+      const int index = static_cast<int>(set);
+      EXPECT_EQ(block.verLpfKernelSelect(index), p.tuning.filters[set].verticalLpf);
+      EXPECT_EQ(block.apcCurve(index, TuningBlock::ApcCurveId::kA)[7],
+                detail.directional.offsets[2]);
+      EXPECT_EQ(block.negativeModeB(index), detail.negativeB);
+      EXPECT_EQ(block.detailGainPeak(index, 4), detail.gainPeaks[4]);
+    }
+    EXPECT_EQ(block.toneControls(2, 4)[31], p.tuning.luminanceCurves[2][4].segments[5].quarter);
+    EXPECT_EQ(block.rgbToneRecord(2, 4)[44], p.tuning.rgbCurves[2][4].segments[6].mode);
+    EXPECT_EQ(int16_t(block.chromaSuppression(4)[8]), p.tuning.chromaSuppression[4].tailSlope);
+    EXPECT_EQ(block.blackB(), p.tuning.blackOffsets[2]);
+    EXPECT_EQ(int16_t(block.chromaCorrection(2)[5]), p.tuning.chromaCorrection[2].thresholdShift);
+    big += file.order == ByteOrder::kBig;
+    nested += !p.paths.empty();
+    dataInHeader += file.dataInHeader;
+    ++sets[std::min(p.decoder.codeSet, 2u)];
+  }
+  EXPECT_GT(std::min({big, nested, dataInHeader, sets[0], sets[1], sets[2]}), 20);
+}
+
+TEST(RandomCameras, DevelopWithoutError) {
+  for (uint64_t seed = 0; seed < 40; ++seed) {
+    SCOPED_TRACE(seed);
+    const bool previewable = seed % 2 == 0;
+    const RawFile camera = rawfile::RandomCamera(seed, {.previewable = previewable});
+    const Bytes bytes = rawfile::Serialize(camera);
+    EXPECT_EQ(bytes, rawfile::Serialize(rawfile::RandomCamera(seed, {.previewable = previewable})));
+    for (const uint32_t job : {DEIMG_JOB_FULL, DEIMG_JOB_QUICK, DEIMG_JOB_PREVIEW}) {
+      if (job == DEIMG_JOB_PREVIEW && !previewable) continue;
+      EXPECT_EQ(Develop(bytes, job, 7).result, 0u) << "job " << job;
+    }
+  }
+}
+
+TEST(BadFiles, CanBeMade) {
+  const RawFile good = NaturalFile({16, 16, std::vector<uint16_t>(256, 1000)});
+  EXPECT_EQ(Read(good).result, 0u);
+  for (const uint16_t tag : rawfile::kPropertyTags) {
+    RawFile file = good;
+    file.properties.omitted = {tag};
+    EXPECT_EQ(Read(file).result, uint32_t{DEIMG_PROPS_UNREADABLE}) << tag;
+  }
+  RawFile file = good;
+  file.properties.tables.layout = 15;
+  EXPECT_EQ(Develop(Serialize(file), 0, 4).result, uint32_t{DEIMG_BAD_TUNING});
+  file = good;
+  file.properties.extras = {{rawfile::kTagLevels, Bytes(86, 1), {0x2000, 0x2800}, true}};
+  EXPECT_EQ(Read(file).props.recordedToneLevel(), 0x0101);  // the first copy counts
+  file = good;
+  file.properties.overrides[rawfile::kTagCapture] = {0, 0, 0, 0, 0xE0};
+  EXPECT_EQ(Read(file).props.sensitivity(), 0);  // half a word is none
+}
+
+TEST(Pictures, LayoutDoesNotShow) {
+  RawFile file = PictureFile(rawfile::MakeScene("chart", 96, 64));
+  const std::vector<uint8_t> plain = Developed(file);
+  ASSERT_EQ(plain.size(), 96u * 64u * 3u);
+  file.order = ByteOrder::kBig;
+  file.properties.decoder.codeSet = 1;
+  file.properties.unreadSeed = 7;
+  file.properties.paths[rawfile::kTagTuningBlock] = {0x2000, 0x3001};
+  file.propertyLayout = {.directoryFirst = true, .gap = 3};
+  EXPECT_TRUE(Developed(file) == plain);
+}
+
+TEST(Pictures, GreyRampIsNeutralAndRising) {
+  constexpr uint32_t kStep = 8;
+  const auto ramp = [](uint32_t, std::span<uint8_t> line) {
+    for (size_t i = 0; i < line.size(); ++i) line[i] = static_cast<uint8_t>(i / 3 / kStep);
+  };
+  const std::vector<uint8_t> pixels = Developed(PictureFile({256 * kStep, 16, ramp}));
+  ASSERT_EQ(pixels.size(), 256u * kStep * 16 * 3);
+  for (int level = 0; level < 256; ++level) {
+    const size_t column = static_cast<size_t>(level) * kStep + kStep / 2;
+    const uint8_t* pixel = &pixels[3 * (8 * 256 * kStep + column)];
+    for (int i = 0; i < 3; ++i) EXPECT_NEAR(pixel[i], level, 1);
+  }
+}
+
+TEST(Pictures, ComeBack) {
+  const struct {
+    const char* scene;
+    double meanDifference;
+  } kCases[] = {{"gradient", 0.5}, {"texture", 3}};
+  for (const auto& [scene, meanDifference] : kCases) {
+    const rawfile::PictureSource picture = rawfile::MakeScene(scene, 320, 240);
+    const std::vector<uint8_t> wanted = PixelsOf(picture);
+    const std::vector<uint8_t> got = Developed(PictureFile(picture));
+    ASSERT_EQ(got.size(), wanted.size());
+    double sum = 0;
+    for (size_t i = 0; i < got.size(); ++i) sum += std::abs(got[i] - wanted[i]);
+    EXPECT_LT(sum / static_cast<double>(got.size()), meanDifference) << scene;
+  }
+}
+
+TEST(Pictures, PatchesKeepTheirColours) {
+  const rawfile::PictureSource chart = rawfile::MakeScene("chart", 576, 256);
+  const std::vector<uint8_t> wanted = PixelsOf(chart), got = Developed(PictureFile(chart));
+  ASSERT_EQ(got.size(), wanted.size());
+  for (size_t patch = 0; patch < 18; ++patch) {  // two rows of nine, 64 x 32 each
+    const size_t pixel = 3 * (576 * (80 + 32 * (patch / 9)) + 32 + 64 * (patch % 9));
+    for (size_t i = pixel; i < pixel + 3; ++i) EXPECT_NEAR(got[i], wanted[i], 3) << patch;
+  }
+}
+
+}  // namespace
+}  // namespace deimg::testing

@@ -1,0 +1,95 @@
+// Several jobs at the same time: in threads, in processes, and one inside another.
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <thread>
+
+#include "support/job_kinds.h"
+#include "support/temporary_directory.h"
+
+namespace deimg::testing {
+namespace {
+
+/// One file, one kind of job, and the lines that come of it.
+struct Work {
+  std::vector<std::uint8_t> file;
+  JobKind kind;
+  Outcome alone;
+
+  Outcome Run(bool inFile) const {
+    const FaultScope scope(inFile ? PlaneInFile() : HeapFaults{});
+    const DevelopParams params = ParamsOf(kind);
+    return Develop(file, kind.flags, DEIMG_FORMAT_16BIT, &params);
+  }
+};
+
+class ThreadsTest : public ::testing::Test {
+ protected:
+  ThreadsTest() {
+    for (std::uint64_t i = 0; i < 8; ++i) {
+      Work one{rawfile::Serialize(SmallCamera(40 + i)), kJobKinds[i % std::size(kJobKinds)], {}};
+      one.alone = one.Run(false);
+      EXPECT_EQ(one.alone.result, DEIMG_OK);
+      work_.push_back(std::move(one));
+    }
+  }
+
+  /// Does all the work, beginning at another piece in every worker; the number of wrong outcomes.
+  int Worker(std::size_t number) const {
+    int wrong = 0;
+    for (std::size_t i = 0; i < 4 * work_.size(); ++i) {
+      const Work& one = work_[(i + 3 * number) % work_.size()];
+      wrong += one.Run((i / work_.size() + number) % 2 == 0) == one.alone ? 0 : 1;
+    }
+    return wrong;
+  }
+
+  TemporaryDirectory temporary_;
+  std::vector<Work> work_;
+};
+
+TEST_F(ThreadsTest, FourThreads) {
+  int wrong[4] = {};
+  {
+    std::vector<std::jthread> threads;
+    for (std::size_t t = 0; t < 4; ++t) threads.emplace_back([&, t] { wrong[t] = Worker(t); });
+  }
+  for (const int count : wrong) EXPECT_EQ(count, 0);
+  EXPECT_TRUE(temporary_.IsEmpty());
+}
+
+TEST_F(ThreadsTest, FourProcessesInOneDirectory) {
+  std::vector<pid_t> children;
+  for (std::size_t number = 0; number < 4; ++number) {
+    const pid_t child = fork();
+    if (child == 0) _exit(Worker(number) == 0 && !HasFailure() ? 0 : 1);
+    children.push_back(child);
+  }
+  for (const pid_t child : children) {
+    int status = -1;
+    EXPECT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+  }
+  EXPECT_TRUE(temporary_.IsEmpty());
+}
+
+TEST_F(ThreadsTest, OneInsideAnother) {
+  const Work& outer = work_[0];
+  const Work& inner = work_[5];
+  int nested = 0;
+  InputStream input(outer.file);
+  OutputStream output(DEIMG_PROGRESS_ALL, [&](Op op, int n) {
+    if (op == Op::kProgress || n % 8 == 1)
+      nested += inner.Run(n % 2 == 0) == inner.alone ? 1 : -1000;
+    return 0u;
+  });
+  EXPECT_EQ(
+      DEImg_DevelopM480(input.get(), outer.kind.flags, DEIMG_FORMAT_16BIT, nullptr, output.get()),
+      DEIMG_OK);
+  EXPECT_EQ(output.lines, outer.alone.lines);
+  EXPECT_GT(nested, 8);
+}
+
+}  // namespace
+}  // namespace deimg::testing
