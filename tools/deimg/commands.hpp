@@ -1,0 +1,30 @@
+/// The commands of the program, one source file each.
+#ifndef DEIMG_TOOLS_DEIMG_COMMANDS_HPP
+#define DEIMG_TOOLS_DEIMG_COMMANDS_HPP
+
+#include <CLI/CLI.hpp>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace deimg::cli {
+
+/// What the chosen command does once the whole command line is understood; returns the program's
+/// exit status and may throw UsageError.
+using Action = std::function<int()>;
+
+/// Each adds one command to the program. When the user chooses it, `action` becomes what it does.
+void AddDevelopCommand(CLI::App& program, Action& action);
+void AddPreviewCommand(CLI::App& program, Action& action);
+void AddThumbnailCommand(CLI::App& program, Action& action);
+void AddInfoCommand(CLI::App& program, Action& action);
+void AddCheckCommand(CLI::App& program, Action& action);
+void AddVersionCommand(CLI::App& program, Action& action);
+void AddHelpCommand(CLI::App& program, Action& action);
+
+/// The FILE arguments that most commands take.
+void AddFiles(CLI::App& command, std::vector<std::string>& files);
+
+}  // namespace deimg::cli
+
+#endif  // DEIMG_TOOLS_DEIMG_COMMANDS_HPP

@@ -1,0 +1,58 @@
+/// Picture formats: each writer takes finished lines and encodes them as they come.
+#ifndef DEIMG_TOOLS_DEIMG_PICTURE_WRITER_HPP
+#define DEIMG_TOOLS_DEIMG_PICTURE_WRITER_HPP
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace deimg::cli {
+
+enum class PictureFormat { kPng, kTiff, kJpeg, kPpm };
+
+/// What is known about a picture before its first line.
+struct PictureHeader {
+  uint32_t width = 0;
+  uint32_t height = 0;
+  int depth = 8;              ///< bits per sample: 8 or 16
+  int quality = 92;           ///< JPEG: 1 to 100
+  unsigned resolution = 300;  ///< pixels per inch, recorded for printing
+};
+
+/// Encodes one picture. Colours are sRGB. Every operation throws Failure when the file cannot be
+/// written.
+class PictureWriter {
+ public:
+  virtual ~PictureWriter() = default;
+  /// One line, top line first: red, green, blue interleaved; 16-bit samples low byte first.
+  virtual void WriteLine(std::span<const std::byte> line) = 0;
+  /// Writes what follows the last line. The picture is incomplete without it.
+  virtual void Finish() = 0;
+};
+
+/// A writer on `file`, which stays the caller's.
+std::unique_ptr<PictureWriter> MakeWriter(PictureFormat format, std::FILE* file,
+                                          const PictureHeader& header);
+std::unique_ptr<PictureWriter> MakePngWriter(std::FILE* file, const PictureHeader& header);
+std::unique_ptr<PictureWriter> MakeTiffWriter(std::FILE* file, const PictureHeader& header);
+std::unique_ptr<PictureWriter> MakeJpegWriter(std::FILE* file, const PictureHeader& header);
+std::unique_ptr<PictureWriter> MakePpmWriter(std::FILE* file, const PictureHeader& header);
+
+/// Whether the format's writer goes back in its file.
+bool NeedsSeeking(PictureFormat format);
+/// Usual file name extension, without the dot.
+std::string_view Extension(PictureFormat format);
+/// The format that a file name's extension stands for, in any case of letters.
+std::optional<PictureFormat> FormatOfExtension(std::string_view extension);
+
+/// Name and version of this program, as recorded in pictures.
+std::string SoftwareName();
+
+}  // namespace deimg::cli
+
+#endif  // DEIMG_TOOLS_DEIMG_PICTURE_WRITER_HPP
