@@ -1,44 +1,128 @@
 #include "decode/coded_data_reader.h"
 
+#include <cstring>
+
 #include "storage/stream_calls.h"
 
 namespace deimg {
+namespace {
+
+constexpr int kNoEndSymbol = -1;
+constexpr int kEndOfBlock = 0;
+constexpr std::uint32_t kLastEntry = 63;
+
+/// Bytes behind the buffer that may be loaded together with its last ones.
+constexpr std::uint32_t kSlackBytes = 16;
+
+/// No block takes more bits than this, and loading them touches no byte beyond.
+constexpr std::uint32_t kMostBlockBits = 64 * DifferenceTable::kMostBits + 8 * kSlackBytes;
+
+std::uint64_t LoadBigEndian64(const std::uint8_t* p) {
+  std::uint64_t value = 0;
+  for (int i = 0; i < 8; ++i) value = value << 8 | p[i];
+  return value;
+}
+
+/// The next bits of a byte sequence, most significant first: at least 56 of them after a refill.
+class BitWindow {
+ public:
+  BitWindow(const std::uint8_t* bytes, std::uint32_t position)
+      : bytes_(bytes), next_(bytes + position / 8) {
+    bits_ = LoadBigEndian64(next_) << position % 8;
+    next_ += 8;
+    count_ = 64 - position % 8;
+  }
+
+  std::uint64_t bits() const { return bits_; }
+  void Use(std::uint32_t count) {
+    bits_ <<= count;
+    count_ -= count;
+  }
+  /// Fills up with whole bytes. The bits below the counted ones are already those that follow.
+  void Refill() {
+    bits_ |= LoadBigEndian64(next_) >> count_;
+    const std::uint32_t bytes = (64 - count_) / 8;
+    next_ += bytes;
+    count_ += 8 * bytes;
+  }
+  std::uint32_t position() const { return static_cast<std::uint32_t>(next_ - bytes_) * 8 - count_; }
+
+ private:
+  const std::uint8_t* const bytes_;
+  const std::uint8_t* next_;
+  std::uint64_t bits_;
+  std::uint32_t count_;
+};
+static_assert(2 * DifferenceTable::kMostBits <= 56, "two symbols to a refill");
+
+}  // namespace
+
+CodedDataReader::CodedDataReader(CallerStream& source, const CodeSet& codes)
+    : source_(source),
+      firstValues_(codes.firstValue.counts, codes.firstValue.symbols, kNoEndSymbol),
+      runSizes_(codes.runSize.counts, codes.runSize.symbols, kEndOfBlock),
+      firstValueTree_(codes.firstValue),
+      runSizeTree_(codes.runSize) {}
 
 bool CodedDataReader::AllocateBuffer() {
-  buffer_ = BlockOf<std::uint8_t>::Uninitialised(kBufferBytes);
+  buffer_ = BlockOf<std::uint8_t>::Zeroed(kBufferBytes + kSlackBytes);
   return static_cast<bool>(buffer_);
 }
 
 Result CodedDataReader::Begin(std::uint64_t skip) {
-  DEIMG_RETURN_IF_FAILED(Read(source_, buffer_.get(), kBufferBytes, bufferEnd_));
-  if (bufferEnd_ < kBufferBytes || skip >= bufferEnd_) return DEIMG_BAD_DATA;
-  readPos_ = static_cast<std::uint32_t>(skip);
-  bitPos_ = 0;
+  std::uint32_t delivered = 0;
+  DEIMG_RETURN_IF_FAILED(Read(source_, buffer_.get(), kBufferBytes, delivered));
+  if (delivered < kBufferBytes || skip >= delivered) return DEIMG_BAD_DATA;
   ended_ = false;
+  RemoveStuffing(static_cast<std::uint32_t>(skip), delivered);
   return DEIMG_OK;
 }
 
 Result CodedDataReader::DecodeBlock(DifferenceBlock& block) {
-  DEIMG_RETURN_IF_FAILED(DecodeFirstValue(block));
-  return DecodeRunSizeValues(block);
+  block = {};
+  if (endBit_ - nextBit_ >= kMostBlockBits && DecodeInsideBuffer(block)) return DEIMG_OK;
+  block = {};
+  return DecodeBitByBit(block);
 }
 
-Result CodedDataReader::DecodeFirstValue(DifferenceBlock& block) {
-  std::int32_t size = 0;
-  DEIMG_RETURN_IF_FAILED(DecodeSymbol(firstValueTree_.nodes, size));
-  return ExtendDifference(size, block[0]);
+/// Decodes a block that cannot reach the buffer's end; false when it is not in order.
+bool CodedDataReader::DecodeInsideBuffer(DifferenceBlock& block) {
+  BitWindow window(buffer_.get(), nextBit_);
+  const CodedSize first = firstValues_.Decode(window.bits());
+  if (first.bits() == 0) return false;
+  block[0] = static_cast<std::int16_t>(DifferenceBehind(window.bits(), first));
+  window.Use(first.bits());
+  window.Refill();
+  for (std::uint32_t k = 0;;) {
+    // Two symbols to a refill.
+    for (int i = 0; i < 2; ++i) {
+      const CodedSize coded = runSizes_.Decode(window.bits());
+      const auto difference = static_cast<std::int16_t>(DifferenceBehind(window.bits(), coded));
+      window.Use(coded.bits());
+      k += coded.advance();
+      if (k >= kLastEntry) {
+        if (k != kLastEntry && k < CodedSize::kEndOfBlock) return false;
+        if (k == kLastEntry) block[k] = difference;
+        nextBit_ = window.position();
+        return true;
+      }
+      block[k] = difference;
+    }
+    window.Refill();
+  }
 }
 
-Result CodedDataReader::DecodeRunSizeValues(DifferenceBlock& block) {
-  std::size_t k = 0;
-  while (k < 63) {
-    std::int32_t symbol = 0;
+Result CodedDataReader::DecodeBitByBit(DifferenceBlock& block) {
+  std::int32_t symbol = 0;
+  DEIMG_RETURN_IF_FAILED(DecodeSymbol(firstValueTree_.nodes, symbol));
+  DEIMG_RETURN_IF_FAILED(ExtendDifference(symbol, block[0]));
+  for (std::uint32_t k = 0; k < kLastEntry;) {
     DEIMG_RETURN_IF_FAILED(DecodeSymbol(runSizeTree_.nodes, symbol));
-    if (symbol == 0) return DEIMG_OK;
-    std::int32_t difference = 0;
+    if (symbol == kEndOfBlock) return DEIMG_OK;
+    std::int16_t difference = 0;
     DEIMG_RETURN_IF_FAILED(ExtendDifference(symbol & 15, difference));
-    k += static_cast<std::size_t>(symbol >> 4) + 1;
-    if (k > 63) return DEIMG_BAD_DATA;
+    k += static_cast<std::uint32_t>(symbol >> 4) + 1;
+    if (k > kLastEntry) return DEIMG_BAD_DATA;
     block[k] = difference;
   }
   return DEIMG_OK;
@@ -48,7 +132,7 @@ Result CodedDataReader::DecodeSymbol(std::span<const CodeTreeNode> tree, std::in
   const CodeTreeNode* node = &tree[0];
   while (node->value == CodeTreeNode::kInner) {
     if (ended_) return DEIMG_BAD_DATA;
-    const std::uint32_t bit = buffer_[readPos_] >> (7 - bitPos_) & 1u;
+    const std::uint32_t bit = buffer_[nextBit_ / 8] >> (7 - nextBit_ % 8) & 1u;
     if (node->child[bit] == 0) return DEIMG_BAD_DATA;
     DEIMG_RETURN_IF_FAILED(AdvanceBit());
     node = &tree[node->child[bit]];
@@ -59,7 +143,7 @@ Result CodedDataReader::DecodeSymbol(std::span<const CodeTreeNode> tree, std::in
 
 /// A difference of `size` bits: the first tells the sign, the rest count up from the smallest
 /// magnitude of that size (positive) or from the largest (negative).
-Result CodedDataReader::ExtendDifference(int size, std::int32_t& difference) {
+Result CodedDataReader::ExtendDifference(int size, std::int16_t& difference) {
   difference = 0;
   if (size == 0) return DEIMG_OK;
   std::uint32_t value = 0;
@@ -71,25 +155,19 @@ Result CodedDataReader::ExtendDifference(int size, std::int32_t& difference) {
     value = value << 1 | bit;
   }
   const std::int32_t base = sign != 0 ? 1 << (size - 1) : 1 - (1 << size);
-  difference = base + static_cast<std::int32_t>(value);
+  difference = static_cast<std::int16_t>(base + static_cast<std::int32_t>(value));
   return DEIMG_OK;
 }
 
 Result CodedDataReader::TakeBit(std::uint32_t& bit) {
   if (ended_) return DEIMG_BAD_DATA;
-  bit = buffer_[readPos_] >> (7 - bitPos_) & 1u;
+  bit = buffer_[nextBit_ / 8] >> (7 - nextBit_ % 8) & 1u;
   return AdvanceBit();
 }
 
 Result CodedDataReader::AdvanceBit() {
-  if (++bitPos_ <= 7) return DEIMG_OK;
-  bitPos_ = 0;
-  readPos_ += buffer_[readPos_] == 0xFF ? 2 : 1;
-  while (readPos_ >= bufferEnd_) {
-    readPos_ -= bufferEnd_;
-    DEIMG_RETURN_IF_FAILED(Refill());
-    if (ended_) return DEIMG_OK;
-  }
+  ++nextBit_;
+  while (nextBit_ == endBit_ && !ended_) DEIMG_RETURN_IF_FAILED(Refill());
   return DEIMG_OK;
 }
 
@@ -99,9 +177,29 @@ Result CodedDataReader::Refill() {
   if (delivered == 0) {
     ended_ = true;
   } else {
-    bufferEnd_ = delivered;
+    RemoveStuffing(skipFirst_ ? 1 : 0, delivered);
   }
   return DEIMG_OK;
+}
+
+/// Moves the bytes from `first` to `end` to the buffer's start, leaving the stuffed ones out.
+void CodedDataReader::RemoveStuffing(std::uint32_t first, std::uint32_t end) {
+  std::uint8_t* const bytes = buffer_.get();
+  std::uint32_t kept = 0;
+  skipFirst_ = false;
+  while (first < end) {
+    const void* const marker = std::memchr(bytes + first, 0xFF, end - first);
+    const std::uint32_t stop =
+        marker == nullptr
+            ? end
+            : static_cast<std::uint32_t>(static_cast<const std::uint8_t*>(marker) - bytes) + 1;
+    if (kept != first) std::memmove(bytes + kept, bytes + first, stop - first);
+    kept += stop - first;
+    skipFirst_ = marker != nullptr && stop == end;
+    first = marker == nullptr ? stop : stop + 1;
+  }
+  nextBit_ = 0;
+  endBit_ = 8 * kept;
 }
 
 }  // namespace deimg

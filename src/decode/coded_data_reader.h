@@ -8,16 +8,22 @@
 #include "api/result.h"
 #include "decode/code_sets.h"
 #include "decode/code_tree.h"
+#include "decode/difference_table.h"
 #include "storage/mem_block.h"
 
 namespace deimg {
 
-/// 64 differences: the first value and the 63 run/size-coded ones.
-using DifferenceBlock = std::array<std::int32_t, 64>;
+/// 64 differences: the first value and the 63 run/size-coded ones. Whoever sums them up does so
+/// modulo 2^16 like the samples.
+using DifferenceBlock = std::array<std::int16_t, 64>;
 
 /// Hands out the bits of a stream of coded bytes, most significant first, and decodes blocks of
 /// differences from them. A byte 0xFF is followed by a stuffed byte, which is skipped whatever its
 /// value. Bytes come through one 64 KiB buffer, refilled as soon as its last byte is used up.
+///
+/// Blocks that lie well inside the buffer are decoded many bits at a time. Blocks near its end, and
+/// blocks in which anything is wrong, go bit by bit, so that refills and failures happen where they
+/// have to.
 ///
 /// Results: 2 when the bits do not fit the code or the input ends while one is needed, or the error
 /// word of the source's Read.
@@ -25,8 +31,7 @@ class CodedDataReader {
  public:
   static constexpr std::uint32_t kBufferBytes = 65536;
 
-  CodedDataReader(CallerStream& source, const CodeSet& codes)
-      : source_(source), firstValueTree_(codes.firstValue), runSizeTree_(codes.runSize) {}
+  CodedDataReader(CallerStream& source, const CodeSet& codes);
 
   /// Allocates the buffer: false when memory is short.
   [[nodiscard]] bool AllocateBuffer();
@@ -35,24 +40,27 @@ class CodedDataReader {
   /// shorter than the buffer, or a start outside it, is refused with 2.
   [[nodiscard]] Result Begin(std::uint64_t skip);
 
-  /// Decodes the next block; entries that are not coded are left as they are.
+  /// Decodes the next block. After a failure its entries mean nothing.
   [[nodiscard]] Result DecodeBlock(DifferenceBlock& block);
 
  private:
-  [[nodiscard]] Result DecodeFirstValue(DifferenceBlock& block);
-  [[nodiscard]] Result DecodeRunSizeValues(DifferenceBlock& block);
+  [[nodiscard]] bool DecodeInsideBuffer(DifferenceBlock& block);
+  [[nodiscard]] Result DecodeBitByBit(DifferenceBlock& block);
   [[nodiscard]] Result DecodeSymbol(std::span<const CodeTreeNode> tree, std::int32_t& symbol);
-  [[nodiscard]] Result ExtendDifference(int size, std::int32_t& difference);
+  [[nodiscard]] Result ExtendDifference(int size, std::int16_t& difference);
   [[nodiscard]] Result TakeBit(std::uint32_t& bit);
   [[nodiscard]] Result AdvanceBit();
   [[nodiscard]] Result Refill();
+  void RemoveStuffing(std::uint32_t first, std::uint32_t end);
 
   CallerStream& source_;
-  BlockOf<std::uint8_t> buffer_;
-  std::uint32_t readPos_ = 0;
-  std::uint32_t bufferEnd_ = 0;
-  int bitPos_ = 0;  // bits of the current byte already used
+  BlockOf<std::uint8_t> buffer_;  // its bytes without the stuffed ones
+  std::uint32_t nextBit_ = 0;
+  std::uint32_t endBit_ = 0;
+  bool skipFirst_ = false;  // the next stretch starts with a stuffed byte
   bool ended_ = false;
+  DifferenceTable firstValues_;
+  DifferenceTable runSizes_;
   FirstValueTree firstValueTree_;
   RunSizeTree runSizeTree_;
 };

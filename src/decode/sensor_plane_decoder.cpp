@@ -14,7 +14,7 @@ namespace {
 constexpr std::uint32_t kLowBitsPosition = 26;
 constexpr std::uint32_t kBlockSamples = 64;
 constexpr std::uint32_t kChunkSamples = 6400;
-constexpr std::int32_t kLineStart = 512;  // the predictors at the start of a line
+constexpr std::uint16_t kLineStart = 512;  // the predictors at the start of a line
 
 /// Closes a stream at the end of the scope; what the close reports is of no interest here.
 class ClosedOnExit {
@@ -28,24 +28,22 @@ class ClosedOnExit {
   CallerStream& stream_;
 };
 
-/// Turns blocks of differences into samples.
+/// Turns blocks of differences into samples. All sums are modulo 2^16, like the samples.
 class Predictor {
  public:
   explicit Predictor(std::uint32_t width) : width_(width) {}
 
   /// Writes the block's 64 high parts (the samples without their low bits).
   void Reconstruct(DifferenceBlock& d, std::uint16_t* samples) {
-    d[0] += carry_;
-    carry_ = d[0];
-    for (std::size_t i = 0; i < kBlockSamples; i += 4) {
-      even_ += d[i];
-      samples[i] = static_cast<std::uint16_t>(even_);
-      odd_ += d[i + 1];
-      samples[i + 1] = static_cast<std::uint16_t>(odd_);
-      even_ += d[i + 2];
-      samples[i + 2] = static_cast<std::uint16_t>(even_);
-      odd_ += d[i + 3];
-      samples[i + 3] = static_cast<std::uint16_t>(odd_);
+    carry_ = static_cast<std::uint16_t>(carry_ + d[0]);
+    d[0] = static_cast<std::int16_t>(carry_);
+    if (column_ + kBlockSamples < width_) {
+      Accumulate(d.data(), kBlockSamples, samples);
+      column_ += kBlockSamples;
+      return;
+    }
+    for (std::uint32_t i = 0; i < kBlockSamples; i += 4) {
+      Accumulate(d.data() + i, 4, samples + i);
       column_ += 4;
       if (column_ >= width_) column_ -= width_;
       if (column_ == 0) even_ = odd_ = kLineStart;
@@ -53,18 +51,35 @@ class Predictor {
   }
 
  private:
+  /// Even and odd entries continue a predictor each.
+  void Accumulate(const std::int16_t* d, std::uint32_t count, std::uint16_t* samples) {
+    std::uint32_t even = even_;
+    std::uint32_t odd = odd_;
+    for (std::uint32_t i = 0; i < count; i += 2) {
+      samples[i] = static_cast<std::uint16_t>(even += static_cast<std::uint16_t>(d[i]));
+      samples[i + 1] = static_cast<std::uint16_t>(odd += static_cast<std::uint16_t>(d[i + 1]));
+    }
+    even_ = static_cast<std::uint16_t>(even);
+    odd_ = static_cast<std::uint16_t>(odd);
+  }
+
   const std::uint32_t width_;
   std::uint32_t column_ = 0;  // samples produced, modulo the width
-  std::int32_t carry_ = 0;    // running sum of the blocks' first values
-  std::int32_t even_ = kLineStart;
-  std::int32_t odd_ = kLineStart;
+  std::uint16_t carry_ = 0;   // running sum of the blocks' first values
+  std::uint16_t even_ = kLineStart;
+  std::uint16_t odd_ = kLineStart;
 };
 
 /// Appends two low bits to each of `count` samples; four samples share a byte, lowest bits first.
-void MergeLowBits(const std::uint8_t* lowBits, std::uint32_t count, std::uint16_t* samples) {
-  for (std::uint32_t i = 0; i < count; ++i) {
-    samples[i] =
-        static_cast<std::uint16_t>(samples[i] << 2 | (lowBits[i / 4] >> (2 * (i % 4)) & 3));
+void MergeLowBits(const std::uint8_t* __restrict lowBits, std::uint32_t count,
+                  std::uint16_t* __restrict samples) {
+  for (std::uint32_t i = 0; i < count / 4; ++i) {
+    const std::uint32_t bits = lowBits[i];
+    std::uint16_t* const four = samples + 4 * std::size_t{i};
+    four[0] = static_cast<std::uint16_t>(four[0] << 2 | (bits & 3));
+    four[1] = static_cast<std::uint16_t>(four[1] << 2 | (bits >> 2 & 3));
+    four[2] = static_cast<std::uint16_t>(four[2] << 2 | (bits >> 4 & 3));
+    four[3] = static_cast<std::uint16_t>(four[3] << 2 | bits >> 6);
   }
 }
 
@@ -78,7 +93,7 @@ Result DecodePlane(CodedDataReader& reader, const std::uint8_t* lowBits, std::ui
   Predictor predictor(width);
   std::uint32_t chunkCount = 0;
   for (std::uint32_t block = 0; block < samples / kBlockSamples; ++block) {
-    DifferenceBlock differences{};
+    DifferenceBlock differences;
     DEIMG_RETURN_IF_FAILED(reader.DecodeBlock(differences));
     predictor.Reconstruct(differences, chunk + chunkCount);
     chunkCount += kBlockSamples;

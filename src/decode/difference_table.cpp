@@ -1,0 +1,38 @@
+#include "decode/difference_table.h"
+
+#include <algorithm>
+#include <cstddef>
+
+namespace deimg {
+
+DifferenceTable::DifferenceTable(std::span<const std::uint8_t, 16> counts,
+                                 std::span<const std::uint8_t> symbols, int endSymbol)
+    : symbols_(symbols), endSymbol_(endSymbol) {
+  std::uint32_t code = 0;
+  std::size_t next = 0;
+  for (std::uint32_t length = 1; length <= 16; ++length, code <<= 1) {
+    offset_[length] = static_cast<std::int32_t>(next) - static_cast<std::int32_t>(code);
+    for (int i = 0; i < counts[length - 1]; ++i, ++code, ++next) {
+      if (length > kIndexBits) continue;
+      const std::uint32_t rest = kIndexBits - length;
+      std::fill_n(entries_.begin() + (code << rest), 1u << rest, SizeOf(length, symbols[next]));
+    }
+    limit_[length] = code;
+  }
+}
+
+CodedSize DifferenceTable::SizeOf(std::uint32_t length, std::uint32_t symbol) const {
+  const bool ends = static_cast<int>(symbol) == endSymbol_;
+  return {length, symbol & 15, ends ? CodedSize::kEndOfBlock : (symbol >> 4) + 1};
+}
+
+CodedSize DifferenceTable::Search(std::uint64_t next) const {
+  for (std::uint32_t length = kIndexBits + 1; length <= 16; ++length) {
+    const auto code = static_cast<std::int32_t>(next >> (64 - length));
+    if (static_cast<std::uint32_t>(code) >= limit_[length]) continue;
+    return SizeOf(length, symbols_[static_cast<std::size_t>(code + offset_[length])]);
+  }
+  return {0, 0, CodedSize::kNoCode};
+}
+
+}  // namespace deimg
