@@ -13,15 +13,26 @@
 #include "stages/colour/hokan_vh.h"
 #include "stages/colour/matrix4x3.h"
 #include "stages/colour/median_crcb.h"
-#include "stages/colour/mosaic_interpolation.h"
 #include "stages/colour/rgb_tone_curve.h"
 #include "stages/colour/vh_diff.h"
 #include "stages/colour/white_balance.h"
+#include "support/kernel_choice.h"
 
 namespace deimg {
 namespace {
 
 using Samples = std::vector<Sample>;
+
+/// Every kernel test runs once per instruction level of this build and this processor.
+class ColourKernels : public ::testing::TestWithParam<KernelLevel> {
+ protected:
+  void SetUp() override {
+    if (k == nullptr) GTEST_SKIP() << "this processor does not have the level";
+  }
+  const Kernels* const k = KernelsOf(GetParam());
+};
+INSTANTIATE_TEST_SUITE_P(Levels, ColourKernels, ::testing::ValuesIn(kKernelLevels),
+                         testing::LevelName);
 
 Samples Random(std::size_t n, Sample low, Sample high, unsigned seed) {
   std::mt19937 random(seed);
@@ -35,15 +46,15 @@ struct Fixture {
   DevelopSettings settings;
   DevelopmentTables tables;
   std::uint8_t block[TuningBlock::kSize] = {};
-  StageContext context{settings, tables, TuningBlock(block), 16, 16};
+  StageContext context{ChosenKernels(), settings, tables, TuningBlock(block), 16, 16};
 };
 
-TEST(WhiteBalance, GainPedestalClip) {
+TEST_P(ColourKernels, WhiteBalanceGainPedestalClip) {
   const Samples in = {0, 100, 4095, 4095, 65535, 65535, 1000, 1001};
   Samples out(8);
-  WhiteBalanceLine(in.data(), 8, 1024, 1536, 4095, out.data());
+  k->whiteBalanceLine(in.data(), 8, 1024, 1536, 4095, out.data());
   EXPECT_EQ(out, (Samples{128, 278, 4095, 4095, 4095, 4095, 1128, 1629}));
-  WhiteBalanceLine(in.data(), 8, -1024, 1024, 300, out.data());
+  k->whiteBalanceLine(in.data(), 8, -1024, 1024, 300, out.data());
   EXPECT_EQ(out[2], -4095 + 128) << "no clip below";
   EXPECT_EQ(out[1], 228);
   EXPECT_EQ(out[7], 300);
@@ -67,63 +78,65 @@ TEST(WhiteBalance, ExposureTableAndClipLevel) {
   EXPECT_EQ(make(-7, 1024, 1024)->exposureTable()[4095], 2520);  // 4095 x 0.6155722
 }
 
-TEST(VHDiff, ActivityDownMinusAlong) {
+TEST_P(ColourKernels, VHDiffActivityDownMinusAlong) {
   const Samples ramp = {0, 10, 20, 30, 40, 50};
   Samples out(6);
-  DirectionMeasureLine(ramp.data(), ramp.data(), ramp.data(), ramp.data(), ramp.data(), 6,
-                       out.data());
+  k->directionMeasureLine(ramp.data(), ramp.data(), ramp.data(), ramp.data(), ramp.data(), 6,
+                          out.data());
   EXPECT_EQ(out, (Samples{0, 0, -20, -20, 0, 0}));
   const Samples a(6, 1), b(6, 2), c(6, 5), d(6, 9), e(6, 20);
-  DirectionMeasureLine(a.data(), b.data(), c.data(), d.data(), e.data(), 6, out.data());
+  k->directionMeasureLine(a.data(), b.data(), c.data(), d.data(), e.data(), 6, out.data());
   EXPECT_EQ(out, (Samples{0, 0, 18, 18, 0, 0}));  // |10 - 1 - 20| + |2 - 9|
 }
 
 /// The planes of the example line, and the roles of the lines for the other parity.
-TEST(MosaicInterpolation, FourPlanes) {
+TEST_P(ColourKernels, MosaicInterpolationFourPlanes) {
   const Samples above = {10, 20, 30, 40}, centre = {50, 60, 70, 80}, below = {90, 100, 110, 120};
   Samples r(4), gr(4), gb(4), b(4), s0(4), s1(4);
   const PlaneLines planes{r.data(), gr.data(), gb.data(), b.data()};
-  InterpolateMosaicLine(above.data(), centre.data(), below.data(), false, 4, s0.data(), s1.data(),
-                        planes);
+  k->interpolateMosaicLine(above.data(), centre.data(), below.data(), false, 4, s0.data(),
+                           s1.data(), planes);
   EXPECT_EQ(r, (Samples{200, 240, 280, 280}));
   EXPECT_EQ(gr, (Samples{240, 240, 280, 320}));
   EXPECT_EQ(gb, (Samples{200, 240, 280, 280}));
   EXPECT_EQ(b, (Samples{240, 240, 280, 320}));
-  InterpolateMosaicLine(above.data(), centre.data(), below.data(), true, 4, s0.data(), s1.data(),
-                        planes);
+  k->interpolateMosaicLine(above.data(), centre.data(), below.data(), true, 4, s0.data(), s1.data(),
+                           planes);
   EXPECT_EQ(gb, (Samples{200, 240, 280, 280}));
   EXPECT_EQ(r, (Samples{200, 240, 280, 280}));
 
   const Samples direction = {-6, -5, 5, 0};
   gr = {1, 2, 3, 4};
   gb = {5, 6, 7, 8};
-  ExchangeGreensLine(direction.data(), 5, 4, gr.data(), gb.data());
+  k->exchangeGreensLine(direction.data(), 5, 4, gr.data(), gb.data());
   EXPECT_EQ(gr, (Samples{5, 2, 3, 4}));
-  ExchangeGreensLine(direction.data(), -1, 4, gr.data(), gb.data());
+  k->exchangeGreensLine(direction.data(), -1, 4, gr.data(), gb.data());
   EXPECT_EQ(gb, (Samples{5, 2, 7, 4})) << "a negative threshold exchanges at 0";
 }
 
-TEST(HokanCircuit, SmallerDifferencesWin) {
+TEST_P(ColourKernels, HokanCircuitSmallerDifferencesWin) {
   const Samples gr = {240, 240, 280, 320}, gb = {200, 240, 280, 280}, still(4, 0);
   Samples red = {200, 240, 280, 280}, blue = {240, 240, 280, 320};
-  ColourDifferenceLine(still.data(), 0, false, gr.data(), gb.data(), 4, red.data(), blue.data());
+  k->colourDifferenceLine(still.data(), 0, false, gr.data(), gb.data(), 4, red.data(), blue.data());
   EXPECT_EQ(red, (Samples{-20, 0, 0, -20}));
   EXPECT_EQ(blue, (Samples{20, 0, 0, 20}));
   // Directed greens: red with gb, blue with gr; a tie is theirs.
   const Samples direction = {-1, -1, 0, -1};
   red = {200, 240, 280, 281};
   blue = {240, 240, 280, 320};
-  ColourDifferenceLine(direction.data(), 0, true, gr.data(), gb.data(), 4, red.data(), blue.data());
+  k->colourDifferenceLine(direction.data(), 0, true, gr.data(), gb.data(), 4, red.data(),
+                          blue.data());
   EXPECT_EQ(red, (Samples{0, 0, 0, 1}));
   EXPECT_EQ(blue, (Samples{0, 0, 0, 0}));
   Samples one = {0}, other = {0};
   const Samples g1 = {-1}, g2 = {-2};  // the average of -3 is -1
-  ColourDifferenceLine(still.data(), 0, false, g1.data(), g2.data(), 1, one.data(), other.data());
+  k->colourDifferenceLine(still.data(), 0, false, g1.data(), g2.data(), 1, one.data(),
+                          other.data());
   EXPECT_EQ(one[0], 1);
   EXPECT_EQ(other[0], 1);
 }
 
-TEST(MedianCrCb, IsTheEighthOfFifteen) {
+TEST_P(ColourKernels, MedianCrCbIsTheEighthOfFifteen) {
   for (unsigned seed = 0; seed < 30; ++seed) {
     const int width = seed < 5 ? 5 + static_cast<int>(seed) : 67;
     const auto n = static_cast<std::size_t>(width);
@@ -131,8 +144,8 @@ TEST(MedianCrCb, IsTheEighthOfFifteen) {
     const Samples lines[3] = {Random(n, -range, range, seed), Random(n, -range, range, seed + 100),
                               Random(n, -range, range, seed + 200)};
     Samples out(n), s0(n), s1(n), s2(n);
-    MedianLine(lines[0].data(), lines[1].data(), lines[2].data(), width, s0.data(), s1.data(),
-               s2.data(), out.data());
+    k->medianLine(lines[0].data(), lines[1].data(), lines[2].data(), width, s0.data(), s1.data(),
+                  s2.data(), out.data());
     for (std::size_t x = 0; x < n; ++x) {
       Sample expected = lines[1][x];
       if (x >= 2 && x + 2 < n) {
@@ -146,12 +159,13 @@ TEST(MedianCrCb, IsTheEighthOfFifteen) {
   }
 }
 
-TEST(Matrix4x3, RowsTruncateTowardZero) {
+TEST_P(ColourKernels, Matrix4x3RowsTruncateTowardZero) {
   const Samples r = {2048, 1, 0}, gr = {0, 0, 0}, b = {0, 0, 0}, gb = {0, 0, 2049};
   Samples out(3);
-  MatrixRowLine(r.data(), gr.data(), b.data(), gb.data(), {717, -717, -113, -1}, 3, out.data());
+  const std::int16_t row[] = {717, -717, -113, -1};
+  k->matrixRowLine(r.data(), gr.data(), b.data(), gb.data(), row, 3, out.data());
   EXPECT_EQ(out, (Samples{717, 0, -1}));
-  MatrixRowLine(r.data(), gb.data(), {-1, -2048}, 3, out.data());
+  k->matrixPairLine(r.data(), gb.data(), -1, -2048, 3, out.data());
   EXPECT_EQ(out, (Samples{-1, 0, -2049}));
 }
 
@@ -164,7 +178,7 @@ TEST(ChromaSuppress, CurveSegments) {
   for (const auto& [i, value] : expected) EXPECT_EQ(t[static_cast<std::size_t>(i)], value) << i;
   ASSERT_EQ(BuildSuppressionCurve({0, 0, 0, 0, 0, 128, 1, 1023, 0}, t.data()), DEIMG_OK);
   EXPECT_EQ(t, Samples(1024, 128));
-  ASSERT_EQ(BuildSuppressionCurve({0, 2, 0, 0, 10, 128, 0, 1023, 0}, t.data()), DEIMG_OK);
+  ASSERT_EQ(BuildSuppressionCurve({0, 2, 2, 4, 10, 100, 0, 900, 8}, t.data()), DEIMG_OK);
   EXPECT_EQ(t[31], 124);
   // Positions beyond the table are cut, whatever their codes say.
   EXPECT_EQ(BuildSuppressionCurve({0, 3, 8, 8, 65535, 65535, 0, 65535, 65535}, t.data()), DEIMG_OK);
@@ -175,61 +189,62 @@ TEST(ChromaSuppress, CurveSegments) {
   }
 }
 
-TEST(ChromaSuppress, LargestLevelAround) {
+TEST_P(ColourKernels, ChromaSuppressLargestLevelAround) {
   const int width = 14;
   Samples r(14, 0), b(14, 0), h(14, 256 * 40), level(14), largest(14);
   r[6] = 128 * 20;
-  SuppressionLevelLine(r.data(), b.data(), h.data(), width, level.data());
+  k->suppressionLevelLine(r.data(), b.data(), h.data(), width, level.data());
   EXPECT_EQ(level, (Samples{0, 8, 8, 8, 8, 18, 28, 18, 8, 8, 8, 8, 8, 8}));
   r[13] = 256;  // counts three times at the last column
-  SuppressionLevelLine(r.data(), b.data(), h.data(), width, level.data());
+  k->suppressionLevelLine(r.data(), b.data(), h.data(), width, level.data());
   EXPECT_EQ(level[13], 11);
   level = {99, 1, 0, 0, 0, 0, 9, 0, 0, 0, 5, 6, 7, 8};
   level[0] = 0;
-  LargestLevelLine(level.data(), width, largest.data());
+  k->largestLevelLine(level.data(), width, largest.data());
   EXPECT_EQ(largest, (Samples{0, 1, 1, 9, 9, 9, 9, 9, 9, 9, 8, 6, 7, 8}));
   h.assign(14, -1000000);
-  SuppressionLevelLine(r.data(), b.data(), h.data(), width, level.data());
+  k->suppressionLevelLine(r.data(), b.data(), h.data(), width, level.data());
   EXPECT_EQ(level, Samples(14, 0));
 
   const Samples in(14, -1000), at(14, 2), curve = {0, 0, 64};
   Samples out(14);
-  SuppressLine(in.data(), at.data(), curve.data(), 100, width, out.data());
+  k->suppressLine(in.data(), at.data(), curve.data(), 100, width, out.data());
   EXPECT_EQ(out[0], 0);
   EXPECT_EQ(out[13], 0);
   EXPECT_EQ(out[7], -390);  // -6,400,000 / 16,384
 }
 
-TEST(ColorSystemProc, SmoothsAlongTheLine) {
+TEST_P(ColourKernels, ColorSystemProcSmoothsAlongTheLine) {
   Samples in(21, 0), out(21);
   in[10] = 128;
-  SmoothLine9(in.data(), 21, out.data());
+  k->smoothLine9(in.data(), 21, out.data());
   EXPECT_EQ(Samples(out.begin() + 5, out.begin() + 16),
             (Samples{0, 4, 7, 18, 21, 28, 21, 18, 7, 4, 0}));
   in[10] = 64;
-  SmoothLine7(in.data(), 21, out.data());
+  k->smoothLine7(in.data(), 21, out.data());
   EXPECT_EQ(Samples(out.begin() + 6, out.begin() + 15), (Samples{0, 3, 8, 13, 16, 13, 8, 3, 0}));
   in = Random(21, -999, 999, 1);
-  for (const auto smooth : {SmoothLine9, SmoothLine7}) {
+  for (const auto smooth : {k->smoothLine9, k->smoothLine7}) {
     smooth(in.data(), 21, out.data());
     for (const std::size_t x : {0u, 3u, 17u, 20u}) EXPECT_EQ(out[x], in[x]);
     EXPECT_NE(out[4], in[4]);
   }
 }
 
-TEST(ColorSystemProc, RgbAndBack) {
+TEST_P(ColourKernels, ColorSystemProcRgbAndBack) {
   Samples y = {1000, 1000, 20000}, c1 = {0, 100, 0}, c2 = {0, -2000, 0};
-  ToRgbLine({1, 0, -1}, 3, y.data(), c1.data(), c2.data());
+  const Sample black[] = {1, 0, -1};
+  k->toRgbLine(black, 3, y.data(), c1.data(), c2.data());
   EXPECT_EQ(y, (Samples{996, 1096, 8191}));
   EXPECT_EQ(c1, (Samples{1000, 1323, 8191}));  // (1,024,000 - 337,700 + 113,000) / 604
   EXPECT_EQ(c2, (Samples{1004, -512, 8191}));
   Samples r = {8191, 0, 1000}, g = {-512, 8191, 1000}, b = {-512, 8191, 1000};
-  ToColourDifferencesLine(r.data(), 3, g.data(), b.data());
+  k->toColourDifferencesLine(r.data(), 3, g.data(), b.data());
   EXPECT_EQ(g, (Samples{4095, -4095, 0}));  // 4351 is clipped
   EXPECT_EQ(b, (Samples{-1461, 1375, 0}));
 }
 
-TEST(ColorSystemProc, ChromaGainAndHue) {
+TEST_P(ColourKernels, ColorSystemProcChromaGainAndHue) {
   Samples table(256);
   BuildChromaGainTable({128, 100, 40, 16, 8, 100, 4}, table.data());
   const std::pair<std::size_t, Sample> expected[] = {{12, 128}, {13, 127}, {40, 100}, {41, 99},
@@ -243,12 +258,13 @@ TEST(ColorSystemProc, ChromaGainAndHue) {
   Samples gain(256, 64);
   gain[128] = 32;
   Samples cr = {100, -4096, 0}, cb = {-50, 10, 31};
-  ChromaGainLine(gain.data(), 3, cr.data(), cb.data());
+  k->chromaGainLine(gain.data(), 3, cr.data(), cb.data());
   EXPECT_EQ(cr, (Samples{50, -1024, 0}));
   EXPECT_EQ(cb, (Samples{-25, 2, 15}));
   cr = {100, -100, 7};
   cb = {-200, 200, 0};
-  HueMixLine({1, 2, 4, 8}, 3, cr.data(), cb.data());
+  const std::int16_t mix[] = {1, 2, 4, 8};
+  k->hueMixLine(mix, 3, cr.data(), cb.data());
   EXPECT_EQ(cr, (Samples{100 - 15, -100 + 12, 7}));  // (16 + 64) x -200, 64 x 200
   EXPECT_EQ(cb, (Samples{-200 + 3, 200 - 3, 0}));    // 32 x 100, (8 + 32) x -100
 }
@@ -282,12 +298,12 @@ TEST(RgbToneCurve, SevenSegments) {
   EXPECT_EQ(RgbToneCurve(4512, r), 1920 + 512 * 512 / 256 / 64);
 }
 
-TEST(LastStageRgb, ScalesAndClips) {
+TEST_P(ColourKernels, LastStageRgbScalesAndClips) {
   const Samples y = {8191, 0, 100, 0}, cr = {0, 0, 0, -100}, cb = {0, 0, 40, 0};
   Samples rgb(12);
-  RgbLine8(y.data(), cr.data(), cb.data(), 4, rgb.data());
+  k->rgbLine8(y.data(), cr.data(), cb.data(), 4, rgb.data());
   EXPECT_EQ(rgb, (Samples{255, 255, 255, 0, 0, 0, 3, 2, 5, 0, 2, 0}));
-  RgbLine16(y.data(), cr.data(), cb.data(), 4, rgb.data());
+  k->rgbLine16(y.data(), cr.data(), cb.data(), 4, rgb.data());
   EXPECT_EQ(rgb, (Samples{65535, 65535, 65535, 7, 7, 7, 807, 697, 1373, 0, 578, 7}));
 }
 

@@ -121,9 +121,13 @@ class Reader final : public ComponentX {
 };
 
 TEST(SourceStreamReader, ServesAndRepeatsLines) {
+  const DevelopSettings settings;
+  const DevelopmentTables tables;
+  static const std::uint8_t block[TuningBlock::kSize] = {};
   for (const int height : {2, 100, 217, 450}) {
     const MemoryStream plane = PlaneOf(height);
-    SourceStreamReader source(*plane.get(), 8, height);
+    const StageContext context{ChosenKernels(), settings, tables, TuningBlock(block), 8, height};
+    SourceStreamReader source(*plane.get(), context);
     Reader reader;
     ASSERT_EQ(reader.Connect(source), DEIMG_OK);
     EXPECT_EQ(source.Advance(1), DEIMG_NOT_STARTED);
@@ -151,7 +155,7 @@ TEST(ProcessingGraph, IsWiredAsTheTableSays) {
   settings.wbGainsSet = true;
   const DevelopmentTables tables;
   const auto& block = *reinterpret_cast<const std::uint8_t(*)[TuningBlock::kSize]>(zeros.data());
-  const StageContext context{settings, tables, TuningBlock(block), 16, 16};
+  const StageContext context{ChosenKernels(), settings, tables, TuningBlock(block), 16, 16};
   const SensorRecord sensor{};
   ProcessingGraph graph(*plane.get(), context, 1, sensor);
   graph.Find(TypeId::kLastStageRgb)->ComputeContext(0);

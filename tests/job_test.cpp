@@ -8,6 +8,7 @@
 #include "api/thumbnail.h"
 #include "rawfile/random_camera.h"
 #include "support/fault_heap.h"
+#include "support/kernel_choice.h"
 #include "support/streams.h"
 
 namespace deimg {
@@ -33,8 +34,16 @@ std::uint64_t HashOf(const Outcome& outcome) {
   return hash;
 }
 
+/// Whole jobs with the kernels of every instruction level.
+class JobAtLevel : public ::testing::TestWithParam<KernelLevel> {};
+INSTANTIATE_TEST_SUITE_P(Levels, JobAtLevel, ::testing::ValuesIn(kKernelLevels),
+                         testing::LevelName);
+
 /// Bytes recorded when every picture agreed with an independent implementation of the development.
-TEST(Job, BytesNeverChange) {
+TEST_P(JobAtLevel, BytesNeverChange) {
+  if (KernelsOf(GetParam()) == nullptr) GTEST_SKIP() << "this processor does not have the level";
+  const testing::KernelScope kernels(GetParam());
+  const int choices = testing::KernelScope::Choices();
   struct Case {
     const char* sample;
     std::uint32_t flags, format;
@@ -67,6 +76,7 @@ TEST(Job, BytesNeverChange) {
     all = all * 31 + HashOf(outcome);
   }
   EXPECT_EQ(all, 9187354399063195119u);
+  EXPECT_EQ(testing::KernelScope::Choices(), choices + 67) << "these kernels ran";
 }
 
 TEST(Job, ChecksItsArgumentsInOrder) {

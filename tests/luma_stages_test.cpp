@@ -12,37 +12,50 @@
 #include "stages/luma/v_apc_procs.h"
 #include "stages/luma/ver_lpf_for_a_filter.h"
 #include "stages/luma/ymain_procs.h"
+#include "support/kernel_choice.h"
 
 namespace deimg {
 namespace {
 
 using Samples = std::vector<Sample>;
 
-TEST(VerLpf, KernelsBySelectorAndParity) {
+/// Every kernel test runs once per instruction level of this build and this processor.
+class LuminanceKernels : public ::testing::TestWithParam<KernelLevel> {
+ protected:
+  void SetUp() override {
+    if (k == nullptr) GTEST_SKIP() << "this processor does not have the level";
+  }
+  const Kernels* const k = KernelsOf(GetParam());
+};
+INSTANTIATE_TEST_SUITE_P(Levels, LuminanceKernels, ::testing::ValuesIn(kKernelLevels),
+                         testing::LevelName);
+
+TEST_P(LuminanceKernels, VerLpfKernelsBySelectorAndParity) {
   const Samples zero(2, 0), hundred(2, 100), minus(2, -7);
-  const auto run = [](const std::array<const Sample*, 7>& lines, int selector, bool odd) {
+  const auto run = [&](const SevenLines& lines, int selector, bool odd) {
     Samples out(2);
-    VerLpfLine(lines, VerLpfTapsOf(selector).value(), odd, 2, out.data());
+    k->verLpfLine(lines, VerLpfTapsOf(selector).value().data(), odd, 2, out.data());
     return out;
   };
   const Sample *z = zero.data(), *h = hundred.data();
   for (const int selector : {8, 9, 10, 15, 24, 26, 28}) {
     for (const bool odd : {false, true}) {
-      EXPECT_EQ(run({h, h, h, h, h, h, h}, selector, odd), (Samples{400, 400})) << selector;
+      EXPECT_EQ(run({{h, h, h, h, h, h, h}}, selector, odd), (Samples{400, 400})) << selector;
     }
   }
-  EXPECT_EQ(run({z, z, z, h, z, z, z}, 15, true), (Samples{650, 0}));
-  EXPECT_EQ(run({z, z, z, h, z, z, z}, 15, false), (Samples{0, 650}));
-  EXPECT_EQ(run({h, z, z, z, h, z, z}, 15, true), (Samples{0, 200}));
-  EXPECT_EQ(run({z, h, z, z, z, z, z}, 15, false), (Samples{0, -125}));
-  EXPECT_EQ(run({minus.data(), z, z, z, z, z, z}, 8, true)[1], -1) << "-7 / 4";
+  EXPECT_EQ(run({{z, z, z, h, z, z, z}}, 15, true), (Samples{650, 0}));
+  EXPECT_EQ(run({{z, z, z, h, z, z, z}}, 15, false), (Samples{0, 650}));
+  EXPECT_EQ(run({{h, z, z, z, h, z, z}}, 15, true), (Samples{0, 200}));
+  EXPECT_EQ(run({{z, h, z, z, z, z, z}}, 15, false), (Samples{0, -125}));
+  EXPECT_EQ(run({{minus.data(), z, z, z, z, z, z}}, 8, true)[1], -1) << "-7 / 4";
   EXPECT_FALSE(VerLpfTapsOf(11));
 }
 
-TEST(HorLpf, TapsDivisorsAndEdges) {
-  const auto run = [](const Samples& in, const Samples& taps, Sample divisor) {
+TEST_P(LuminanceKernels, HorLpfTapsDivisorsAndEdges) {
+  const auto run = [&](const Samples& in, const Samples& taps, Sample divisor) {
     Samples out(in.size());
-    HorLpfLine(in.data(), taps, divisor, static_cast<int>(in.size()), out.data());
+    k->horLpfLine(in.data(), taps.data(), static_cast<int>(taps.size()), divisor,
+                  static_cast<int>(in.size()), out.data());
     return out;
   };
   EXPECT_EQ(run({0, 4, 0, 4, 0, 4}, {1, 2, 1}, 1), (Samples{0, 8, 8, 8, 8, 16}));
@@ -53,7 +66,7 @@ TEST(HorLpf, TapsDivisorsAndEdges) {
   EXPECT_EQ(run({0, 0, 80, 0, 0, 0}, {1, 2, 2, 2, 1}, 8), (Samples{0, 0, 20, 20, 0, 0}));
 }
 
-TEST(AFilter, GainTableAndDirection) {
+TEST_P(LuminanceKernels, AFilterGainTableAndDirection) {
   Samples table(AFilterMain::kGainTableSize);
   BuildAFilterGainTable(4, 16, table.data());
   EXPECT_EQ(table[15], 0);
@@ -64,8 +77,8 @@ TEST(AFilter, GainTableAndDirection) {
 
   const Samples direction = {0, -300, 300, 20, -20}, vertical(5, 10), both(5, 93), hokan(5, 10);
   Samples out(5);
-  AFilterLine(direction.data(), vertical.data(), both.data(), hokan.data(), table.data(), 5,
-              out.data());
+  k->aFilterLine(direction.data(), vertical.data(), both.data(), hokan.data(), table.data(), 5,
+                 out.data());
   EXPECT_EQ(out, (Samples{0, 40 - 93, 80 - 93, -3, -13}));
 
   BuildAFilterGainTable(0, 16, table.data());
@@ -76,41 +89,43 @@ TEST(AFilter, GainTableAndDirection) {
   EXPECT_EQ(table[256], 32);
 }
 
-TEST(RamenToYmix, DetailAndMix) {
+TEST_P(LuminanceKernels, RamenToYmixDetailAndMix) {
   const Samples l = {100, 100, 100}, a = {-3, 80, -9};
   Samples mixed(3), enhanced(3);
-  AddDetailLine(l.data(), a.data(), 1, 8, 3, mixed.data(), enhanced.data());
+  k->addDetailLine(l.data(), a.data(), 1, 8, 3, mixed.data(), enhanced.data());
   EXPECT_EQ(enhanced, (Samples{100, 110, 99}));
   EXPECT_EQ(mixed, (Samples{103, 30, 108}));
 
   Samples y(5, 1000);
   const Samples r(5, 1000), b(5, 1000);
-  MixLine(r.data(), b.data(), {77, 151, 28}, 0, 5, y.data());
+  const std::int16_t weights[] = {77, 151, 28};
+  k->mixLine(r.data(), b.data(), weights, 0, 5, y.data());
   EXPECT_EQ(y, Samples(5, 2230));
   y.assign(5, 0);
   const Samples spike = {0, 0, 256, 0, 0}, none(5, 0);
-  MixLine(spike.data(), none.data(), {1, 0, 0}, 8 * -3, 5, y.data());
+  const std::int16_t redOnly[] = {1, 0, 0};
+  k->mixLine(spike.data(), none.data(), redOnly, 8 * -3, 5, y.data());
   EXPECT_EQ(y, (Samples{24, 25, 26, 25, 24}));
   y = {0, 0};
-  MixLine(spike.data() + 1, spike.data() + 2, {1, 0, 64}, 0, 2, y.data());
+  const std::int16_t redAndBlue[] = {1, 0, 64};
+  k->mixLine(spike.data() + 1, spike.data() + 2, redAndBlue, 0, 2, y.data());
   EXPECT_EQ(y, (Samples{256, 4})) << "a line of two samples has edges only";
 }
 
-TEST(ApcCurve, ThreeSegments) {
+TEST_P(LuminanceKernels, ApcCurveThreeSegments) {
   ApcCurve curve;
   ASSERT_EQ(curve.Build({2, 10, 5, 9, 5, -2, -10, 4}, 8192), DEIMG_OK);
-  const std::int16_t* const t = curve.table();
+  const Sample* const t = curve.table();
   EXPECT_EQ(t[20], 0);
   EXPECT_EQ(t[21], 4);
   EXPECT_EQ(t[39], 76);
   EXPECT_EQ(t[40], 32) << "the last segment takes the shared entry";
   EXPECT_EQ(t[8191], 63);
   Samples in = {-33 * 16, 33 * 16 + 15, 15, 300000000, -300000000};
-  Samples out(5);
-  curve.Apply(in.data(), 16, 5, out.data());
-  EXPECT_EQ(out, (Samples{-t[33], t[33], t[0], 63, -63}));
-  curve.Apply(in.data(), 16, 5, in.data());
-  EXPECT_EQ(in, out) << "in place";
+  in.push_back(INT32_MIN);
+  in.push_back(-15);
+  curve.Apply(*k, 4, 7, in.data());
+  EXPECT_EQ(in, (Samples{-t[33], t[33], t[0], 63, -63, -63, t[0]}));
 
   ASSERT_EQ(curve.Build({0, 32767, 3, 3, 11, 1000, 8191, 0}, 100), DEIMG_OK);
   EXPECT_EQ(curve.table()[0], 0) << "8191 x 8 stored as 16 bits is negative: 0";
@@ -118,60 +133,61 @@ TEST(ApcCurve, ThreeSegments) {
   EXPECT_EQ(curve.table()[99], 24) << "an unknown slope is flat";
 }
 
-TEST(HApc, HighPasses) {
+TEST_P(LuminanceKernels, HApcHighPasses) {
   Samples in(9, 0), out(9, 5);
   in[4] = 400;
-  NarrowHighPassLine(in.data(), 9, out.data());
+  k->narrowHighPassLine(in.data(), 9, out.data());
   EXPECT_EQ(out, (Samples{0, 0, -100, 0, 200, 0, -100, 0, 0}));
-  WideHighPassLine(in.data(), 9, out.data());
+  k->wideHighPassLine(in.data(), 9, out.data());
   EXPECT_EQ(out, (Samples{0, 0, 0, -25, 200, -25, 0, 0, 0}));
 }
 
-TEST(VApc, HighPassesAndSmoothing) {
+TEST_P(LuminanceKernels, VApcHighPassesAndSmoothing) {
   const Samples zero(13, 0), hundred(13, 100);
   const Sample *z = zero.data(), *h = hundred.data();
   Samples out(13);
-  VerticalHighPass3Line(z, h, z, 13, out.data());
+  k->verticalHighPass3Line(z, h, z, 13, out.data());
   EXPECT_EQ(out[0], 100);
-  VerticalHighPass7Line(z, z, z, h, z, z, z, 13, out.data());
+  k->verticalHighPass7Line({{z, z, z, h, z, z, z}}, 13, out.data());
   EXPECT_EQ(out[5], 100);
-  VerticalHighPass7Line(z, z, z, z, z, h, z, 13, out.data());
+  k->verticalHighPass7Line({{z, z, z, z, z, h, z}}, 13, out.data());
   EXPECT_EQ(out[12], -50);
-  VerticalHighPass7Line(z, z, h, z, z, z, h, 13, out.data());
+  k->verticalHighPass7Line({{z, z, h, z, z, z, h}}, 13, out.data());
   EXPECT_EQ(out[12], 0);
   Samples in(13, 0);
   in[6] = 160;
   in[0] = in[12] = 7;
-  SmoothDetailLine(in.data(), 13, out.data());
+  k->smoothDetailLine(in.data(), 13, out.data());
   EXPECT_EQ(out, (Samples{7, 0, 0, 0, 10, 40, 60, 40, 10, 0, 0, 0, 7}));
 }
 
-TEST(RApc, SmoothingHasAGainOf16) {
+TEST_P(LuminanceKernels, RApcSmoothingHasAGainOf16) {
   const Samples line(8, 100);
   const Sample* const l = line.data();
-  const SevenLines in = {l, l, l, l, l, l, l};
+  const SevenLines in = {{l, l, l, l, l, l, l}};
   Samples v(8), p0(8), p1(8), p2(8);
-  VerticalSmooth5Line(in, 8, v.data());
+  k->verticalSmooth5Line(in, 8, v.data());
   EXPECT_EQ(v, Samples(8, 400));
-  HorizontalSmooth5Line(v.data(), 6, 1, 1, 8, p0.data());
+  k->horizontalSmooth5Line(v.data(), 6, 1, 1, 8, p0.data());
   EXPECT_EQ(p0, (Samples{400, 400, 1600, 1600, 1600, 1600, 400, 400}));
-  HorizontalSmooth5Line(v.data(), 10, -1, 4, 8, p1.data());
+  k->horizontalSmooth5Line(v.data(), 10, -1, 4, 8, p1.data());
   EXPECT_EQ(p1, Samples(8, 1600));
-  VerticalSmooth7Line(in, {28, 17, 2, -1}, 8, v.data());
+  const Sample taps[] = {28, 17, 2, -1};
+  k->verticalSmooth7Line(in, taps, 8, v.data());
   EXPECT_EQ(v, Samples(8, 400));
-  ReferenceLine(in, 8, p2.data());
+  k->referenceLine(in, 8, p2.data());
   EXPECT_EQ(p2, Samples(8, 1600));
-  BlendLine(p2.data(), p1.data(), 3, 8, p0.data());
+  k->blendLine(p2.data(), p1.data(), 3, 8, p0.data());
   EXPECT_EQ(p0, (Samples{750, 750, 0, 0, 0, 0, 750, 750}));  // 1200 - 150 x 3
 
   const Samples ones(4, 1);
   Samples out(4);
-  HorizontalSmooth121Line(ones.data(), 4, out.data());
+  k->horizontalSmooth121Line(ones.data(), 4, out.data());
   EXPECT_EQ(out, (Samples{4, 4, 4, 10})) << "the last column adds its new neighbour";
 }
 
 TEST(YMain, DetailGainTable) {
-  std::vector<std::uint16_t> t(YMainProcs::kGainTableSize);
+  Samples t(YMainProcs::kGainTableSize);
   ASSERT_EQ(BuildDetailGainTable({3, 2, 0, 32}, t.data()), DEIMG_OK);
   EXPECT_EQ(t[31], 31 * 16);
   EXPECT_EQ(t[32], 512);
@@ -197,14 +213,14 @@ TEST(YMain, DetailGainTable) {
   }
 }
 
-TEST(YMain, DetailsByLevel) {
+TEST_P(LuminanceKernels, YMainDetailsByLevel) {
   const Samples y(12, 6400), zero(12, 0), minus(12, -100);
-  std::vector<std::uint16_t> table(1024, 0);
+  Samples table(1024, 0);
   table[100] = 128;
   Samples scratch(12), out(12);
   const auto add = [&](const Samples& detail, Sample scale) {
-    AddDetailsLine(y.data(), {zero.data(), zero.data(), detail.data(), zero.data(), zero.data()},
-                   table.data(), scale, 12, scratch.data(), out.data());
+    k->addDetailsLine(y.data(), {zero.data(), zero.data(), detail.data(), zero.data(), zero.data()},
+                      table.data(), scale, 12, scratch.data(), out.data());
     return out;
   };
   EXPECT_EQ(add(minus, 512), Samples(12, (6400 - 50) / 8));
@@ -216,17 +232,19 @@ TEST(YMain, DetailsByLevel) {
   table.assign(1024, 0);
   table[100] = 128;
   const Samples detail(12, 80);
-  AddDetailsLine(step.data(), {detail.data(), zero.data(), zero.data(), zero.data(), zero.data()},
-                 table.data(), 0, 12, scratch.data(), out.data());
+  k->addDetailsLine(step.data(),
+                    {detail.data(), zero.data(), zero.data(), zero.data(), zero.data()},
+                    table.data(), 0, 12, scratch.data(), out.data());
   EXPECT_EQ(out[8], 800) << "the level of column 8 is an average";
   step = Samples(12, 0);
   step[9] = 64 * 100;
-  AddDetailsLine(step.data(), {detail.data(), zero.data(), zero.data(), zero.data(), zero.data()},
-                 table.data(), 0, 12, scratch.data(), out.data());
+  k->addDetailsLine(step.data(),
+                    {detail.data(), zero.data(), zero.data(), zero.data(), zero.data()},
+                    table.data(), 0, 12, scratch.data(), out.data());
   EXPECT_EQ(out[9], 810) << "that of column 9 is its own";
 
   const Samples limits = {8191 * 8 + 7, -5, 8192 * 8};
-  ScaleLuminanceLine(limits.data(), 3, out.data());
+  k->scaleLuminanceLine(limits.data(), 3, out.data());
   EXPECT_EQ(Samples(out.begin(), out.begin() + 3), (Samples{8191, 0, 8191}));
 }
 
@@ -247,7 +265,7 @@ TEST(YMain, ToneCurveSegments) {
   EXPECT_EQ(LuminanceToneCurve(3312, c), 8191) << "the last segment begins before the fifth";
 }
 
-TEST(YMain, CorrectionByColourDifference) {
+TEST_P(LuminanceKernels, YMainCorrectionByColourDifference) {
   ChromaCorrection correction = ChromaCorrectionOf({4, 1, 2, 0, 1, 3, 0});
   EXPECT_EQ(correction.threshold, 128);
   EXPECT_EQ(correction.gainCb, 64 >> 2);
@@ -260,7 +278,7 @@ TEST(YMain, CorrectionByColourDifference) {
   correction = {100, 16, 32};
   const Samples cr = {100, 116, -500, 4095}, cb = {0, 108, 0, 4095};
   Samples y = {50, 50, 50, 50};
-  CorrectByChromaLine(cr.data(), cb.data(), correction, 4, y.data());
+  k->correctByChromaLine(cr.data(), cb.data(), correction, 4, y.data());
   EXPECT_EQ(y, (Samples{50, (100 - 32 + 1) / 2, 50, 0}));
 }
 

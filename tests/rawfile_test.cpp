@@ -8,6 +8,7 @@
 #include "rawfile/mosaic.h"
 #include "rawfile/natural_tuning.h"
 #include "rawfile/random_camera.h"
+#include "rawfile/tone_curves.h"
 #include "storage/memory_stream.h"
 #include "support/streams.h"
 
@@ -17,6 +18,7 @@ namespace {
 using rawfile::ByteOrder;
 using rawfile::Bytes;
 using rawfile::EncodeSensorData;
+using rawfile::PictureFile;
 using rawfile::Plane;
 using rawfile::RawFile;
 using rawfile::WriteError;
@@ -54,13 +56,6 @@ RawFile NaturalFile(Plane plane) {
   return file;
 }
 
-RawFile PictureFile(const rawfile::PictureSource& picture) {
-  RawFile file;
-  file.properties = rawfile::NaturalProperties();
-  SetPicture(picture, file);
-  return file;
-}
-
 /// The developed picture as one run of bytes; empty after a failure.
 std::vector<uint8_t> Developed(const RawFile& file) {
   std::vector<uint8_t> pixels;
@@ -86,8 +81,6 @@ TEST(RawFileWriter, CodedBytesAreTheFormats) {
   EXPECT_EQ(data, (Bytes{0,    0,    0,    0,    0,    0,    0,    0,
                          0,    0,    0,    0,    0,    0,    0,    0,  // low bits
                          0x55, 0x55, 0x55, 0xF7, 0xEC, 0x55, 0x55, 0x55}));
-  const Plane steps{4, 1, {0, 1, 2, 3}};
-  EXPECT_THROW(EncodeSensorData(steps, {}), WriteError);  // samples behind the last whole block
   EXPECT_EQ(EncodeSensorData(grey, {}).size(), 16u + 65536u);
 }
 
@@ -120,17 +113,17 @@ TEST(RawFileWriter, RefusesWhatTheCodeCannotHold) {
   Plane jump{8, 8, std::vector<uint16_t>(64, 2048)};
   jump.samples[20] = 2048 + 4 * 1023 + 3;  // eleven bits are the first too many
   EXPECT_NO_THROW(EncodeSensorData(jump, {}));
-  jump.samples[20] = 2048 + 4 * 1024;
-  EXPECT_THROW(EncodeSensorData(jump, {}), WriteError);
-  jump.samples[20] = 65535;
-  EXPECT_THROW(EncodeSensorData(jump, {}), WriteError);
+  for (const uint16_t high : {uint16_t{2048 + 4 * 1024}, uint16_t{65535}}) {
+    jump.samples[20] = high;
+    EXPECT_THROW(EncodeSensorData(jump, {}), WriteError);
+  }
+  EXPECT_THROW(EncodeSensorData({2, 2, {0, 0, 0, 1}}, {}), WriteError);  // behind the last block
   EXPECT_THROW(EncodeSensorData({7, 64, std::vector<uint16_t>(448)}, {}), WriteError);
   EXPECT_THROW(EncodeSensorData({8, 8, std::vector<uint16_t>(64)}, {0, 65535, 1}), WriteError);
-  EXPECT_THROW(EncodeSensorData({8, 8, std::vector<uint16_t>(63)}, {}), WriteError);
 }
 
 TEST(RandomCameras, ReadBackAsWritten) {
-  int big = 0, nested = 0, dataInHeader = 0, sets[3] = {};
+  int big = 0, sets[3] = {};
   for (uint64_t seed = 0; seed < 120; ++seed) {
     SCOPED_TRACE(seed);
     const RawFile file = rawfile::RandomCamera(seed);
@@ -141,17 +134,19 @@ TEST(RandomCameras, ReadBackAsWritten) {
     EXPECT_EQ(int16_t(back.props.sensitivity()), p.sensitivity);
     EXPECT_EQ(back.props.recordedPreset(), p.wbPreset);
     EXPECT_EQ(back.props.recordedToneLevel(), p.toneLevel);
-    EXPECT_EQ(back.props.recordedMatrixLevel(), p.matrixLevel);
-    EXPECT_EQ(back.props.recordedProcessingSet(), p.processingSet);
     EXPECT_EQ(back.props.recordedColourLevel(), p.colourLevel);
     EXPECT_EQ(back.props.sensor.areaRight, p.sensor.area.right);
-    EXPECT_EQ(back.props.presetGains[6][3], p.presetGains[6][3]);
     EXPECT_EQ(back.props.blackLevelWords[3], p.blackLevels[3]);
     EXPECT_EQ(back.props.colourTemperatures[7], p.colourTemperatures[7]);
+    const uint16_t* words = back.props.tuningTables;
+    EXPECT_EQ(words[2], 16);
+    EXPECT_EQ(words[10] | words[11] << 16, p.tables.matrices[0][0].kelvin);
+    EXPECT_EQ(words[676] | words[677] << 16, p.tables.luminanceWeights[6].kelvin);
+    EXPECT_EQ(int16_t(words[680]), p.tables.luminanceWeights[6].values[2]);
     const TuningBlock block(back.props.tuningBlock);
     for (size_t set = 0; set < rawfile::kSets; ++set) {
       const rawfile::DetailTuning& detail = p.tuning.details[set];
-      const int index = static_cast<int>(set);
+      const auto index = static_cast<int>(set);
       EXPECT_EQ(block.verLpfKernelSelect(index), p.tuning.filters[set].verticalLpf);
       EXPECT_EQ(block.apcCurve(index, TuningBlock::ApcCurveId::kA)[7],
                 detail.directional.offsets[2]);
@@ -164,11 +159,9 @@ TEST(RandomCameras, ReadBackAsWritten) {
     EXPECT_EQ(block.blackB(), p.tuning.blackOffsets[2]);
     EXPECT_EQ(int16_t(block.chromaCorrection(2)[5]), p.tuning.chromaCorrection[2].thresholdShift);
     big += file.order == ByteOrder::kBig;
-    nested += !p.paths.empty();
-    dataInHeader += file.dataInHeader;
     ++sets[std::min(p.decoder.codeSet, 2u)];
   }
-  EXPECT_GT(std::min({big, nested, dataInHeader, sets[0], sets[1], sets[2]}), 20);
+  EXPECT_GT(std::min({big, sets[0], sets[1], sets[2]}), 20);
 }
 
 TEST(RandomCameras, DevelopWithoutError) {
@@ -178,10 +171,8 @@ TEST(RandomCameras, DevelopWithoutError) {
     const RawFile camera = rawfile::RandomCamera(seed, {.previewable = previewable});
     const Bytes bytes = rawfile::Serialize(camera);
     EXPECT_EQ(bytes, rawfile::Serialize(rawfile::RandomCamera(seed, {.previewable = previewable})));
-    for (const uint32_t job : {DEIMG_JOB_FULL, DEIMG_JOB_QUICK, DEIMG_JOB_PREVIEW}) {
-      if (job == DEIMG_JOB_PREVIEW && !previewable) continue;
-      EXPECT_EQ(Develop(bytes, job, 7).result, 0u) << "job " << job;
-    }
+    EXPECT_EQ(Develop(bytes, DEIMG_JOB_FULL, 7).result, 0u);
+    EXPECT_EQ(Develop(bytes, previewable ? DEIMG_JOB_THUMBNAIL : DEIMG_JOB_QUICK, 4).result, 0u);
   }
 }
 
@@ -199,9 +190,6 @@ TEST(BadFiles, CanBeMade) {
   file = good;
   file.properties.extras = {{rawfile::kTagLevels, Bytes(86, 1), {0x2000, 0x2800}, true}};
   EXPECT_EQ(Read(file).props.recordedToneLevel(), 0x0101);  // the first copy counts
-  file = good;
-  file.properties.overrides[rawfile::kTagCapture] = {0, 0, 0, 0, 0xE0};
-  EXPECT_EQ(Read(file).props.sensitivity(), 0);  // half a word is none
 }
 
 TEST(Pictures, LayoutDoesNotShow) {
@@ -230,12 +218,14 @@ TEST(Pictures, GreyRampIsNeutralAndRising) {
   }
 }
 
+TEST(Pictures, TonesAreThoseOfTheOutputSpace) {
+  const rawfile::LuminanceCurve curve = rawfile::NaturalProperties().tuning.luminanceCurves[1][0];
+  const int kPoints[][2] = {{380, 63}, {1368, 118}, {3800, 188}, {6840, 243}};  // of 7600; sRGB
+  for (const auto& [input, level] : kPoints) EXPECT_NEAR(Evaluate(curve, input), 32 * level, 80);
+}
+
 TEST(Pictures, ComeBack) {
-  const struct {
-    const char* scene;
-    double meanDifference;
-  } kCases[] = {{"gradient", 0.5}, {"texture", 3}};
-  for (const auto& [scene, meanDifference] : kCases) {
+  for (const auto& [scene, meanDifference] : {std::pair{"gradient", 0.5}, {"texture", 3.0}}) {
     const rawfile::PictureSource picture = rawfile::MakeScene(scene, 320, 240);
     const std::vector<uint8_t> wanted = PixelsOf(picture);
     const std::vector<uint8_t> got = Developed(PictureFile(picture));

@@ -3,6 +3,7 @@
 #define DEIMG_DECODE_DIFFERENCE_TABLE_H
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <span>
 
@@ -44,7 +45,7 @@ class DifferenceTable {
 
   /// `next` holds the stream's next bits from the top down.
   CodedSize Decode(std::uint64_t next) const {
-    const CodedSize size = entries_[next >> (64 - kIndexBits)];
+    const CodedSize size = entries_[static_cast<std::size_t>(next >> (64 - kIndexBits))];
     return size.bits() != 0 ? size : Search(next);
   }
 

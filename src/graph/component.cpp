@@ -57,6 +57,12 @@ ComponentX* ComponentX::LastInput(TypeId typeId, int slots) const {
   return nullptr;
 }
 
+SevenLines ComponentX::LinesAround(ComponentX& source, int offset) {
+  SevenLines lines;
+  for (int i = 0; i < 7; ++i) lines.line[i] = source.GetLine(offset + i - 3, 0);
+  return lines;
+}
+
 Result ComponentX::AllocateBuffers() {
   if (buffersReady_) return DEIMG_OK;
   for (auto& slot : ports_) {

@@ -8,6 +8,7 @@
 #include "api/result.h"
 #include "graph/component_port.h"
 #include "graph/component_table.h"
+#include "graph/kernels.h"
 #include "graph/line.h"
 
 namespace deimg {
@@ -89,6 +90,9 @@ class ComponentX {
   /// The first, or the last, input of a type among the first `slots`; null when there is none.
   ComponentX* FirstInput(TypeId typeId) const;
   ComponentX* LastInput(TypeId typeId, int slots = kMostInputs) const;
+
+  /// The input's lines on its port 0 around an offset.
+  static SevenLines LinesAround(ComponentX& source, int offset);
 
   /// An own line, to be written.
   Sample* OwnLine(int offset, int portIndex) const;

@@ -16,8 +16,9 @@ Result GraphBuilder(CallerStream& plane, DevelopParams& params, const ImageProps
   if (output.Open == nullptr || output.Write == nullptr || output.Close == nullptr) {
     return DEIMG_MISSING;
   }
-  const StageContext context{settings, tables, TuningBlock(props.tuningBlock), props.sensor.width,
-                             props.sensor.height};
+  const StageContext context{
+      ChosenKernels(),    settings,           tables, TuningBlock(props.tuningBlock),
+      props.sensor.width, props.sensor.height};
   const int sampleBytes = (format & 0xFF) == DEIMG_FORMAT_16BIT ? 2 : 1;
   ProcessingGraph graph(plane, context, sampleBytes, props.sensor);
   return graph.Run(output, tables.luminanceStatus);

@@ -22,14 +22,10 @@ class LastStageRgb final : public ComponentX {
   [[nodiscard]] Result Deliver(CallerStream& output);
 
  private:
+  const Kernels& kernels_;
   const SensorRecord& sensor_;
   BlockOf<std::uint8_t> line_;  // what the host receives
 };
-
-/// One line of `width` pixels: luminance y (13 bits) and colour differences to interleaved RGB,
-/// with 1024 = 1.0. The divisions bring them to 8 or 16 bits.
-void RgbLine8(Line y, Line cr, Line cb, int width, MutableLine rgb);
-void RgbLine16(Line y, Line cr, Line cb, int width, MutableLine rgb);
 
 }  // namespace deimg
 

@@ -2,6 +2,7 @@
 #ifndef DEIMG_GRAPH_LINE_H
 #define DEIMG_GRAPH_LINE_H
 
+#include <cstddef>
 #include <cstdint>
 
 namespace deimg {
@@ -14,6 +15,9 @@ using Sample = std::int32_t;
 /// the same kernel, so that loops over whole lines can be vectorised.
 using Line = const Sample* __restrict;
 using MutableLine = Sample* __restrict;
+
+/// Columns in kernels: as wide as an address, so that compilers need not care for wrapped columns.
+using Index = std::ptrdiff_t;
 
 /// Whether an absolute line number is odd, also above the picture, where numbers are negative.
 constexpr bool IsOddLine(int line) { return (line & 1) != 0; }

@@ -10,7 +10,7 @@ constexpr int kLeastBetweenReports = 12;  // percent
 ProcessingGraph::ProcessingGraph(CallerStream& plane, const StageContext& context,
                                  int outputSampleBytes, const SensorRecord& sensor)
     : sensor_(sensor),
-      source_(plane, context.width, context.height),
+      source_(plane, context),
       whiteBalance_(context),
       hokanVH_(context),
       vhDiff_(context),

@@ -2,21 +2,18 @@
 
 #include <algorithm>
 
-#include "props/byte_order.h"
 #include "storage/stream_calls.h"
 
 namespace deimg {
 
-void WidenLine(const std::uint8_t* bytes, int width, MutableLine out) {
-  for (int x = 0; x < width; ++x)
-    out[x] = LoadU16(bytes + 2 * static_cast<std::ptrdiff_t>(x), false);
-}
-
-SourceStreamReader::SourceStreamReader(CallerStream& plane, int width, int height)
-    : ComponentX(InfoOf(TypeId::kSourceStreamReader), width, height, 2),
+SourceStreamReader::SourceStreamReader(CallerStream& plane, const StageContext& context)
+    : ComponentX(InfoOf(TypeId::kSourceStreamReader), context.width, context.height, 2),
       plane_(plane),
-      lastValidLine_(height - 1),
-      lineCache_(BlockOf<Sample>::Uninitialised(static_cast<std::uint64_t>(width) * kCacheLines)) {}
+      kernels_(context.kernels),
+      lastValidLine_(context.height - 1),
+      lineCache_(
+          BlockOf<Sample>::Uninitialised(static_cast<std::uint64_t>(context.width) * kCacheLines)) {
+}
 
 SourceStreamReader::~SourceStreamReader() {
   if (streamOpen_) (void)Close(plane_);
@@ -60,8 +57,8 @@ Result SourceStreamReader::Fill(int top) {
 
   for (int i = 0; i < kCacheLines; ++i) {
     const int line = std::clamp(top + i, firstLine, lastLine) - firstLine;
-    WidenLine(block.get() + static_cast<std::size_t>(line) * lineBytes, width(),
-              lineCache_.get() + static_cast<std::ptrdiff_t>(i) * width());
+    kernels_.widenLine(block.get() + static_cast<std::size_t>(line) * lineBytes, width(),
+                       lineCache_.get() + static_cast<std::ptrdiff_t>(i) * width());
   }
   cacheFirst_ = top;
   cacheLast_ = top + kCacheLines - 1;

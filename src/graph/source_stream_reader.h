@@ -3,6 +3,7 @@
 #define DEIMG_GRAPH_SOURCE_STREAM_READER_H
 
 #include "graph/component.h"
+#include "graph/stage_context.h"
 #include "storage/mem_block.h"
 
 namespace deimg {
@@ -16,8 +17,9 @@ class SourceStreamReader final : public ComponentX {
  public:
   static constexpr int kCacheLines = 200;
 
-  /// The stream holds `height` lines of `width` unsigned 16-bit little-endian samples.
-  SourceStreamReader(CallerStream& plane, int width, int height);
+  /// The stream holds the context's `height` lines of `width` unsigned 16-bit little-endian
+  /// samples.
+  SourceStreamReader(CallerStream& plane, const StageContext& context);
   ~SourceStreamReader() override;
 
   [[nodiscard]] Result Run(int first, int last) override;
@@ -29,6 +31,7 @@ class SourceStreamReader final : public ComponentX {
   [[nodiscard]] Result Fill(int top);
 
   CallerStream& plane_;
+  const Kernels& kernels_;
   const int lastValidLine_;
   bool streamOpen_ = false;
   int cacheFirst_ = 65000;  // while the cache is empty
@@ -36,9 +39,6 @@ class SourceStreamReader final : public ComponentX {
   int cacheBase_ = -1;  // cache line of the current line
   BlockOf<Sample> lineCache_;
 };
-
-/// Widens a line of unsigned 16-bit little-endian samples.
-void WidenLine(const std::uint8_t* bytes, int width, MutableLine out);
 
 }  // namespace deimg
 

@@ -4,12 +4,14 @@
 
 #include "graph/develop_settings.h"
 #include "graph/development_tables.h"
+#include "graph/kernels.h"
 #include "props/tuning_block.h"
 
 namespace deimg {
 
-/// Settings, tuning and plane size of the job; outlives its stages.
+/// Kernels, settings, tuning and plane size of the job; outlives its stages.
 struct StageContext {
+  const Kernels& kernels;
   const DevelopSettings& settings;
   const DevelopmentTables& tables;
   TuningBlock tuning;

@@ -2,6 +2,8 @@
 #ifndef DEIMG_TESTS_SUPPORT_JOB_KINDS_H
 #define DEIMG_TESTS_SUPPORT_JOB_KINDS_H
 
+#include <gtest/gtest.h>
+
 #include "rawfile/random_camera.h"
 #include "support/fault_heap.h"
 #include "support/streams.h"
@@ -39,13 +41,28 @@ inline DevelopParams ParamsOf(const JobKind& kind) {
   return params;
 }
 
+/// A heap too small for the planes of small files and what has to remain besides them.
+inline HeapFaults PlaneInFile() { return {.largest = 1u << 20}; }
+
 inline std::uint32_t RunJob(const JobKind& kind, InputStream& input, OutputStream& output) {
   DevelopParams params = ParamsOf(kind);
   return DEImg_DevelopM480(input.get(), kind.flags, DEIMG_FORMAT_8BIT, &params, output.get());
 }
 
-/// A heap too small for the planes of small files and what has to remain besides them.
-inline HeapFaults PlaneInFile() { return {.largest = 1u << 20}; }
+/// Runs a job under faults of the heap and of the streams; nothing of the heap may be kept.
+inline Outcome RunJob(const JobKind& kind, const std::vector<std::uint8_t>& file,
+                      const HeapFaults& heap, const Fault& atInput = {},
+                      const Fault& atOutput = {}) {
+  InputStream input(file, atInput);
+  OutputStream output(DEIMG_PROGRESS_ALL, atOutput);
+  const FaultScope scope(heap);
+  Outcome outcome;
+  outcome.result = RunJob(kind, input, output);
+  outcome.lines = std::move(output.lines);
+  outcome.reports = std::move(output.reports);
+  EXPECT_EQ(FaultScope::Live(), 0);
+  return outcome;
+}
 
 }  // namespace deimg::testing
 

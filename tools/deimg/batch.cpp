@@ -1,6 +1,7 @@
 #include "batch.hpp"
 
 #include <algorithm>
+#include <cerrno>
 #include <map>
 #include <mutex>
 #include <optional>
@@ -77,7 +78,8 @@ class Queue {
   void Failed(size_t index, const Failure& failure) {
     const std::lock_guard lock(mutex_);
     SetPercent(index, 100);
-    if (failure.code() == host::kCancelled) return;
+    const bool stopped = CancelFlag() && failure.code() == host::SystemErrorCode(EINTR);
+    if (stopped || failure.code() == host::kCancelled) return;
     failed_.emplace(index, failure);
     display_.FileFailed(jobs_[index], failure);
   }

@@ -178,7 +178,8 @@ void WritePicture(const Job& job, PictureFormat format, const OutputOptions& opt
   header.depth = options.depth;
   header.quality = options.quality;
   header.resolution = options.resolution;
-  const std::unique_ptr<PictureWriter> writer = MakeWriter(format, output.file(), header);
+  const std::unique_ptr<PictureWriter> writer =
+      MakePipelinedWriter(MakeWriter(format, output.file(), header));
   source([&](std::span<const std::byte> line) { writer->WriteLine(line); });
   writer->Finish();
   output.Commit();

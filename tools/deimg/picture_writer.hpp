@@ -43,6 +43,10 @@ std::unique_ptr<PictureWriter> MakeTiffWriter(std::FILE* file, const PictureHead
 std::unique_ptr<PictureWriter> MakeJpegWriter(std::FILE* file, const PictureHeader& header);
 std::unique_ptr<PictureWriter> MakePpmWriter(std::FILE* file, const PictureHeader& header);
 
+/// A writer that encodes with `writer` on a thread of its own, so that the caller goes on with the
+/// next lines meanwhile. A failure shows in a later call. Memory is bounded.
+std::unique_ptr<PictureWriter> MakePipelinedWriter(std::unique_ptr<PictureWriter> writer);
+
 /// Whether the format's writer goes back in its file.
 bool NeedsSeeking(PictureFormat format);
 /// Usual file name extension, without the dot.

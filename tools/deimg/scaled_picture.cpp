@@ -34,7 +34,7 @@ std::vector<std::byte> ScaleDown(std::span<const std::byte> samples, PictureSize
                                  PictureSize to) {
   std::vector<std::byte> result;
   result.reserve(size_t{to.width} * to.height * 3);
-  const uint64_t area = uint64_t{from.width} * from.height;
+  const uint64_t area = std::max<uint64_t>(1, uint64_t{from.width} * from.height);
   for (uint64_t y = 0; y < to.height; ++y) {
     const Span rows = SpanOf(y, from.height);
     for (uint64_t x = 0; x < to.width; ++x) {

@@ -49,7 +49,7 @@ rawfile::Picture ReadPpm(const std::string& path, std::istream& in) {
   }
   if (maximum != 255) Fail(path, "only PPM files with 8 bits per sample (maximum 255) are read");
   rawfile::Picture picture{static_cast<uint32_t>(width), static_cast<uint32_t>(height), {}};
-  picture.rgb.resize(3 * width * height);
+  picture.rgb.resize(size_t{3} * picture.width * picture.height);
   in.read(reinterpret_cast<char*>(picture.rgb.data()),
           static_cast<std::streamsize>(picture.rgb.size()));
   if (!in) Fail(path, "the file ends too early");

@@ -172,7 +172,7 @@ void SetPicture(const PictureSource& picture, RawFile& file) {
   const auto sites = Sites(file.properties);
 
   Plane plane{static_cast<uint32_t>(planeWidth), static_cast<uint32_t>(planeHeight), {}};
-  plane.samples.resize(planeWidth * planeHeight);
+  plane.samples.resize(size_t{plane.width} * plane.height);
   std::vector<uint8_t> line(size_t{picture.width} * 3);
   std::vector<Linear> solved(picture.width);
   uint32_t solvedLine = picture.height;
@@ -199,6 +199,13 @@ void SetPicture(const PictureSource& picture, RawFile& file) {
   file.properties.sensor.area = {kPictureBorder, kPictureBorder,
                                  static_cast<uint16_t>(kPictureBorder + picture.width - 1),
                                  static_cast<uint16_t>(kPictureBorder + picture.height - 1)};
+}
+
+RawFile PictureFile(const PictureSource& picture) {
+  RawFile file;
+  file.properties = NaturalProperties();
+  SetPicture(picture, file);
+  return file;
 }
 
 }  // namespace deimg::rawfile

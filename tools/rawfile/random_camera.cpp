@@ -34,7 +34,9 @@ class Dice {
   }
   template <typename T>
   void Shuffle(std::vector<T>& values) {
-    for (size_t i = values.size(); i > 1; --i) std::swap(values[i - 1], values[engine_() % i]);
+    for (size_t i = values.size(); i > 1; --i) {
+      std::swap(values[i - 1], values[static_cast<size_t>(engine_() % i)]);
+    }
   }
 
  private:

@@ -1,3 +1,4 @@
+#include <bit>
 #include <cstdio>
 
 #include "platform/platform.h"
@@ -6,7 +7,7 @@
 namespace deimg::platform {
 namespace {
 
-HANDLE Handle(FileHandle file) { return reinterpret_cast<HANDLE>(file); }
+HANDLE Handle(FileHandle file) { return std::bit_cast<HANDLE>(file); }
 
 struct FileAccess {
   DWORD rights;
@@ -59,7 +60,7 @@ FileHandle OpenFile(const char* path, FileMode mode, AccessHint hint) noexcept {
     CloseHandle(file);
     return kInvalidFile;
   }
-  return reinterpret_cast<FileHandle>(file);
+  return std::bit_cast<FileHandle>(file);
 }
 
 CreateOutcome CreateNewFile(const char* path) noexcept {

@@ -85,36 +85,9 @@ Result BuildSuppressionCurve(const std::array<std::uint16_t, 9>& e, Sample* tabl
   return DEIMG_OK;
 }
 
-void SuppressionLevelLine(Line r, Line b, Line luminance, int width, MutableLine level) {
-  const auto at = [&](int x, Sample rRight, Sample bRight) {
-    const Sample sum =
-        r[x - 1] + 2 * r[x] + rRight + luminance[x] + 2 * (b[x - 1] + 2 * b[x] + bRight);
-    return std::clamp(sum / 256 - 32, 0, kHighestLevel);
-  };
-  level[0] = 0;
-  for (int x = 1; x < width - 1; ++x) level[x] = at(x, r[x + 1], b[x + 1]);
-  level[width - 1] = at(width - 1, r[width - 1], b[width - 1]);  // the last sample repeats
-}
-
-void LargestLevelLine(Line level, int width, MutableLine largest) {
-  largest[0] = 0;
-  // Levels are never negative, so columns before the line may simply be left out.
-  for (int x = 1; x < 3; ++x) largest[x] = *std::max_element(level, level + x + 4);
-  for (int x = 3; x < width - 3; ++x) {
-    largest[x] = std::max({level[x - 3], level[x - 2], level[x - 1], level[x], level[x + 1],
-                           level[x + 2], level[x + 3]});
-  }
-  for (int x = width - 3; x < width; ++x) largest[x] = level[x];
-}
-
-void SuppressLine(Line in, Line level, const Sample* curve, Sample gain, int width,
-                  MutableLine out) {
-  for (int x = 0; x < width; ++x) out[x] = in[x] * curve[level[x]] * gain / 16384;
-  out[0] = out[width - 1] = 0;
-}
-
 ChromaSuppress::ChromaSuppress(const StageContext& context)
     : ComponentX(InfoOf(TypeId::kChromaSuppress), context.width, context.height, 4, 2),
+      kernels_(context.kernels),
       settings_(context.settings),
       parameters_(context.tuning.chromaSuppression(context.settings.isoClass)),
       gainCr_(settings_.plain() ? kFull : context.tables.chromaGainCr),
@@ -136,13 +109,13 @@ Result ChromaSuppress::Run(int first, int last) {
   ComponentX* const planes = LastInput(TypeId::kHokanVH, kSlots);
   if (luminance == nullptr || matrix == nullptr || planes == nullptr) return DEIMG_MISSING;
   for (int o = first; o <= last; ++o) {
-    SuppressionLevelLine(planes->GetLine(o, 0), planes->GetLine(o, 3), luminance->GetLine(o, 0),
-                         width(), Scratch(0));
-    LargestLevelLine(Scratch(0), width(), Scratch(1));
-    SuppressLine(matrix->GetLine(o, 1), Scratch(1), suppressTable_.get(), gainCr_, width(),
-                 OwnLine(o, 0));
-    SuppressLine(matrix->GetLine(o, 2), Scratch(1), suppressTable_.get(), gainCb_, width(),
-                 OwnLine(o, 1));
+    kernels_.suppressionLevelLine(planes->GetLine(o, 0), planes->GetLine(o, 3),
+                                  luminance->GetLine(o, 0), width(), Scratch(0));
+    kernels_.largestLevelLine(Scratch(0), width(), Scratch(1));
+    kernels_.suppressLine(matrix->GetLine(o, 1), Scratch(1), suppressTable_.get(), gainCr_, width(),
+                          OwnLine(o, 0));
+    kernels_.suppressLine(matrix->GetLine(o, 2), Scratch(1), suppressTable_.get(), gainCb_, width(),
+                          OwnLine(o, 1));
   }
   return DEIMG_OK;
 }

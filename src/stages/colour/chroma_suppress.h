@@ -27,6 +27,7 @@ class ChromaSuppress final : public ComponentX {
  private:
   [[nodiscard]] Result BuildTable();
 
+  const Kernels& kernels_;
   const DevelopSettings& settings_;
   const std::array<std::uint16_t, 9> parameters_;
   const Sample gainCr_;
@@ -38,17 +39,6 @@ class ChromaSuppress final : public ComponentX {
 /// three falling segments. DEIMG_UNSUPPORTED for a slope code that does not exist.
 [[nodiscard]] Result BuildSuppressionCurve(const std::array<std::uint16_t, 9>& parameters,
                                            Sample* table);
-
-/// Brightness levels, 0 to 1023, from red, blue and the low-passed luminance; column 0 gets 0.
-void SuppressionLevelLine(Line r, Line b, Line luminance, int width, MutableLine level);
-
-/// The largest level within three columns on either side; the two columns before the last keep
-/// their own level.
-void LargestLevelLine(Line level, int width, MutableLine largest);
-
-/// Applies curve and gain (128 = 1.0 each); the first and the last column become 0.
-void SuppressLine(Line in, Line level, const Sample* curve, Sample gain, int width,
-                  MutableLine out);
 
 }  // namespace deimg
 

@@ -13,17 +13,6 @@ constexpr Sample kLowestChroma = -4096;
 constexpr Sample kHighestChroma = 4095;
 constexpr int kUnsmoothed = 4;  // columns on each side
 
-void CopyEnds(Line in, int width, MutableLine out) {
-  for (int x = 0; x < std::min(kUnsmoothed, width); ++x) {
-    out[x] = in[x];
-    out[width - 1 - x] = in[width - 1 - x];
-  }
-}
-
-void ToneLine(const Sample* table, int width, MutableLine line) {
-  for (int x = 0; x < width; ++x) line[x] = table[line[x] - kLowestLinear];
-}
-
 }  // namespace
 
 void BuildChromaGainTable(const std::array<std::int16_t, 7>& f, Sample* table) {
@@ -49,69 +38,9 @@ void BuildChromaGainTable(const std::array<std::int16_t, 7>& f, Sample* table) {
        [&](int i) { return Truncated(i * s3 + c3); });
 }
 
-void SmoothLine9(Line in, int width, MutableLine out) {
-  CopyEnds(in, width, out);
-  for (int x = kUnsmoothed; x < width - kUnsmoothed; ++x) {
-    out[x] = (28 * in[x] + 21 * (in[x - 1] + in[x + 1]) + 18 * (in[x - 2] + in[x + 2]) +
-              7 * (in[x - 3] + in[x + 3]) + 4 * (in[x - 4] + in[x + 4])) /
-             128;
-  }
-}
-
-void SmoothLine7(Line in, int width, MutableLine out) {
-  CopyEnds(in, width, out);
-  for (int x = kUnsmoothed; x < width - kUnsmoothed; ++x) {
-    out[x] = (16 * in[x] + 13 * (in[x - 1] + in[x + 1]) + 8 * (in[x - 2] + in[x + 2]) +
-              3 * (in[x - 3] + in[x + 3])) /
-             64;
-  }
-}
-
-void ToRgbLine(const std::array<Sample, 3>& black, int width, MutableLine yToR, MutableLine c1ToG,
-               MutableLine c2ToB) {
-  const Sample blackR = 4 * black[0], blackG = 4 * black[1], blackB = 4 * black[2];
-  for (int x = 0; x < width; ++x) {
-    const Sample y = yToR[x];
-    const Sample r = y + c1ToG[x];
-    const Sample b = y + c2ToB[x];
-    const Sample g = (1024 * y - 307 * r - 113 * b) / 604;
-    yToR[x] = std::clamp(r - blackR, kLowestLinear, kHighestLinear);
-    c1ToG[x] = std::clamp(g - blackG, kLowestLinear, kHighestLinear);
-    c2ToB[x] = std::clamp(b - blackB, kLowestLinear, kHighestLinear);
-  }
-}
-
-void ToColourDifferencesLine(Line r, int width, MutableLine gToCr, MutableLine bToCb) {
-  for (int x = 0; x < width; ++x) {
-    const Sample g = gToCr[x];
-    const Sample b = bToCb[x];
-    const Sample cr = (512 * r[x] - 429 * g - 83 * b) / 1024;
-    const Sample cb = 8 * (-172 * r[x] - 340 * g + 512 * b) / 8192;
-    gToCr[x] = std::clamp(cr, kLowestChroma, kHighestChroma);
-    bToCb[x] = std::clamp(cb, kLowestChroma, kHighestChroma);
-  }
-}
-
-void ChromaGainLine(const Sample* table, int width, MutableLine cr, MutableLine cb) {
-  for (int x = 0; x < width; ++x) {
-    const Sample gain = table[std::max(std::abs(cr[x]), std::abs(cb[x])) / 32];
-    cr[x] = cr[x] * gain / 128;
-    cb[x] = cb[x] * gain / 128;
-  }
-}
-
-void HueMixLine(const std::array<std::int16_t, 4>& mix, int width, MutableLine cr, MutableLine cb) {
-  const Sample h0 = 8 * mix[0], h1 = 8 * mix[1], h2 = 8 * mix[2], h3 = 8 * mix[3];
-  for (int x = 0; x < width; ++x) {
-    const Sample red = cr[x];
-    const Sample blue = cb[x];
-    cr[x] = red + ((blue < 0 ? h1 : 0) + h3) * blue / 1024;
-    cb[x] = blue + ((red < 0 ? h0 : 0) + h2) * red / 1024;
-  }
-}
-
 ColorSystemProc::ColorSystemProc(const StageContext& context)
     : ComponentX(InfoOf(TypeId::kColorSystemProc), context.width, context.height, 4),
+      kernels_(context.kernels),
       settings_(context.settings),
       tables_(context.tables),
       tuning_(context.tuning) {}
@@ -136,7 +65,7 @@ Result ColorSystemProc::Run(int first, int last) {
   if (chroma == nullptr || matrix == nullptr) return DEIMG_UNSUPPORTED;
   const bool full = settings_.full();
   if (full && !rgbToneTable_) DEIMG_RETURN_IF_FAILED(BuildTables());
-  const auto smoothLine = tuning_.smoothSelect() == 0 ? SmoothLine9 : SmoothLine7;
+  const auto smoothLine = tuning_.smoothSelect() == 0 ? kernels_.smoothLine9 : kernels_.smoothLine7;
   const std::array<Sample, 3> black = {tuning_.blackR(), tuning_.blackG(), tuning_.blackB()};
   for (int o = first; o <= last; ++o) {
     Sample* const p0 = OwnLine(o, 0);
@@ -145,14 +74,14 @@ Result ColorSystemProc::Run(int first, int last) {
     smoothLine(matrix->GetLine(o, 0), width(), p0);
     smoothLine(chroma->GetLine(o, 0), width(), p1);
     smoothLine(chroma->GetLine(o, 1), width(), p2);
-    ToRgbLine(black, width(), p0, p1, p2);
+    kernels_.toRgbLine(black.data(), width(), p0, p1, p2);
     if (full) {
-      for (Sample* line : {p0, p1, p2}) ToneLine(rgbToneTable_.get(), width(), line);
+      for (Sample* line : {p0, p1, p2}) kernels_.rgbToneLine(rgbToneTable_.get(), width(), line);
     }
-    ToColourDifferencesLine(p0, width(), p1, p2);
+    kernels_.toColourDifferencesLine(p0, width(), p1, p2);
     if (full) {
-      ChromaGainLine(chromaGainTable_.get(), width(), p1, p2);
-      HueMixLine(tables_.colourOffsets, width(), p1, p2);
+      kernels_.chromaGainLine(chromaGainTable_.get(), width(), p1, p2);
+      kernels_.hueMixLine(tables_.colourOffsets.data(), width(), p1, p2);
     }
   }
   return DEIMG_OK;

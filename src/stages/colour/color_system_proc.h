@@ -28,6 +28,7 @@ class ColorSystemProc final : public ComponentX {
  private:
   [[nodiscard]] Result BuildTables();
 
+  const Kernels& kernels_;
   const DevelopSettings& settings_;
   const DevelopmentTables& tables_;
   const TuningBlock tuning_;
@@ -38,25 +39,6 @@ class ColorSystemProc final : public ComponentX {
 /// Fills the chroma gain table from the seven colour gains f0 to f6: gain f0 for weak chroma,
 /// through f1 at chroma f2, falling by f4 / 16 after it, and by f6 / 64 less beyond f5.
 void BuildChromaGainTable(const std::array<std::int16_t, 7>& f, Sample* table);
-
-/// Low-pass along the line with nine or seven taps; the four outer columns on each side are copied.
-void SmoothLine9(Line in, int width, MutableLine out);
-void SmoothLine7(Line in, int width, MutableLine out);
-
-/// In place: luminance and two colour differences to red, green and blue without their black
-/// offsets (in quarters), clipped to the tone curve's range.
-void ToRgbLine(const std::array<Sample, 3>& black, int width, MutableLine yToR, MutableLine c1ToG,
-               MutableLine c2ToB);
-
-/// In place: r keeps red, g becomes Cr and b becomes Cb.
-void ToColourDifferencesLine(Line r, int width, MutableLine gToCr, MutableLine bToCb);
-
-/// In place: gain by the larger of both magnitudes.
-void ChromaGainLine(const Sample* table, int width, MutableLine cr, MutableLine cb);
-
-/// In place: adds a share of each colour difference to the other, by the other's sign. `mix` holds
-/// the colour offsets h0 to h3.
-void HueMixLine(const std::array<std::int16_t, 4>& mix, int width, MutableLine cr, MutableLine cb);
 
 }  // namespace deimg
 

@@ -19,14 +19,10 @@ class HokanCircuit final : public ComponentX {
   [[nodiscard]] Result Run(int first, int last) override;
 
  private:
+  const Kernels& kernels_;
   const DevelopSettings& settings_;
   const TuningBlock tuning_;
 };
-
-/// Replaces red and blue by their differences from green. The greens change roles where the
-/// direction is below -threshold and `choose` is set. A tie goes to the greens of the direction.
-void ColourDifferenceLine(Line direction, Sample threshold, bool choose, Line gr, Line gb,
-                          int width, MutableLine red, MutableLine blue);
 
 }  // namespace deimg
 

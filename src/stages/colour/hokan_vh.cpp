@@ -1,22 +1,10 @@
 #include "stages/colour/hokan_vh.h"
 
-#include "stages/colour/mosaic_interpolation.h"
-
 namespace deimg {
-
-void ExchangeGreensLine(Line direction, Sample threshold, int width, MutableLine gr,
-                        MutableLine gb) {
-  for (int x = 0; x < width; ++x) {
-    const bool exchange = direction[x] < -threshold;
-    const Sample first = gr[x];
-    const Sample second = gb[x];
-    gr[x] = exchange ? second : first;
-    gb[x] = exchange ? first : second;
-  }
-}
 
 HokanVH::HokanVH(const StageContext& context)
     : ComponentX(InfoOf(TypeId::kHokanVH), context.width, context.height, 4, 2),
+      kernels_(context.kernels),
       settings_(context.settings),
       tuning_(context.tuning) {}
 
@@ -29,10 +17,10 @@ Result HokanVH::Run(int first, int last) {
   const Sample threshold = tuning_.directionThreshold(*setIndex);
   for (int o = first; o <= last; ++o) {
     const PlaneLines out{OwnLine(o, 0), OwnLine(o, 1), OwnLine(o, 2), OwnLine(o, 3)};
-    InterpolateMosaicLine(mosaic->GetLine(o - 1, 0), mosaic->GetLine(o, 0),
-                          mosaic->GetLine(o + 1, 0), IsOddAt(o), width(), Scratch(0), Scratch(1),
-                          out);
-    ExchangeGreensLine(direction->GetLine(o, 0), threshold, width(), out.gr, out.gb);
+    kernels_.interpolateMosaicLine(mosaic->GetLine(o - 1, 0), mosaic->GetLine(o, 0),
+                                   mosaic->GetLine(o + 1, 0), IsOddAt(o), width(), Scratch(0),
+                                   Scratch(1), out);
+    kernels_.exchangeGreensLine(direction->GetLine(o, 0), threshold, width(), out.gr, out.gb);
   }
   return DEIMG_OK;
 }

@@ -19,13 +19,10 @@ class HokanVH final : public ComponentX {
   [[nodiscard]] Result Run(int first, int last) override;
 
  private:
+  const Kernels& kernels_;
   const DevelopSettings& settings_;
   const TuningBlock tuning_;
 };
-
-/// Exchanges gr and gb wherever the direction is below -threshold.
-void ExchangeGreensLine(Line direction, Sample threshold, int width, MutableLine gr,
-                        MutableLine gb);
 
 }  // namespace deimg
 

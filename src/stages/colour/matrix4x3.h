@@ -26,15 +26,10 @@ class Matrix4x3 final : public ComponentX {
   [[nodiscard]] Result Run(int first, int last) override;
 
  private:
+  const Kernels& kernels_;
   const ColourMatrix coefficients_;
   const bool fromPlanes_;
 };
-
-/// One row on four planes, and on two colour differences.
-void MatrixRowLine(Line r, Line gr, Line b, Line gb, const std::int16_t (&row)[4], int width,
-                   MutableLine out);
-void MatrixRowLine(Line redMinusGreen, Line blueMinusGreen, const std::int16_t (&row)[2], int width,
-                   MutableLine out);
 
 }  // namespace deimg
 

@@ -19,13 +19,9 @@ class MedianCrCb final : public ComponentX {
   [[nodiscard]] Result Run(int first, int last) override;
 
  private:
+  const Kernels& kernels_;
   const bool filter_;
 };
-
-/// One line of medians; the two outer columns on each side are copied from the centre line. The
-/// scratch lines hold the columns' three values in ascending order.
-void MedianLine(const Sample* above, const Sample* centre, const Sample* below, int width,
-                Sample* lowest, Sample* middle, Sample* highest, Sample* out);
 
 }  // namespace deimg
 

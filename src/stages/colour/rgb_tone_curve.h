@@ -4,13 +4,9 @@
 
 #include "graph/line.h"
 #include "props/tuning_block.h"
+#include "stages/colour/rgb_tone_range.h"
 
 namespace deimg {
-
-/// Range of the values that the curve maps.
-inline constexpr Sample kLowestLinear = -512;
-inline constexpr Sample kHighestLinear = 8191;
-inline constexpr int kRgbToneTableSize = kHighestLinear - kLowestLinear + 1;
 
 /// The curve at x: seven quadratic segments whose starts and coefficients the record holds.
 /// Results are signed 16-bit values.

@@ -18,12 +18,9 @@ class VHDiff final : public ComponentX {
   [[nodiscard]] Result Run(int first, int last) override;
 
  private:
+  const Kernels& kernels_;
   const DevelopSettings& settings_;
 };
-
-/// One line; u2, u1, m, d1, d2 are the lines two above to two below. Samples two apart have the
-/// same colour. The two outer columns on each side are 0.
-void DirectionMeasureLine(Line u2, Line u1, Line m, Line d1, Line d2, int width, MutableLine out);
 
 }  // namespace deimg
 

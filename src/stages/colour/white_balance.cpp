@@ -1,39 +1,38 @@
 #include "stages/colour/white_balance.h"
 
 #include <algorithm>
-#include <cmath>
 
 #include "graph/rounding.h"
 
 namespace deimg {
 namespace {
 
-constexpr Sample kGainOne = DEIMG_WB_GAIN_ONE;
-constexpr Sample kPedestal = 128;
 constexpr Sample kHighest = WhiteBalance::kTableSize - 1;
 constexpr int kLargestAdjustment = 20;  // tenths of a stop
 
+bool IsSupported(int adjust) {
+  return adjust >= -kLargestAdjustment && adjust <= kLargestAdjustment;
+}
+
+/// 2 to the power of adjust / 10, rounded to single precision: whole stops times tenths. No
+/// mathematics library and no precision that a host leaves the processor in has a say in it.
+double ExposureFactor(int adjust) {
+  constexpr float kStops[] = {0.25F, 0.5F, 1.0F, 2.0F, 4.0F};
+  constexpr float kTenths[] = {1.0F,        1.07177341F, 1.14869833F, 1.23114443F, 1.31950796F,
+                               1.41421354F, 1.51571655F, 1.62450480F, 1.74110115F, 1.86606598F};
+  const int fromLowest = adjust + kLargestAdjustment;
+  return kStops[fromLowest / 10] * kTenths[fromLowest % 10];
+}
+
 }  // namespace
-
-void WhiteBalanceLine(Line in, int width, Sample evenGain, Sample oddGain, Sample clipLevel,
-                      MutableLine out) {
-  for (int x = 0; x < width; x += 2) {
-    out[x] = std::min(in[x] * evenGain / kGainOne + kPedestal, clipLevel);
-    out[x + 1] = std::min(in[x + 1] * oddGain / kGainOne + kPedestal, clipLevel);
-  }
-}
-
-void ExposureLine(Line in, int width, const std::uint16_t* table, MutableLine out) {
-  for (int x = 0; x < width; ++x) out[x] = table[std::min(in[x], kHighest)];
-}
 
 WhiteBalance::WhiteBalance(const StageContext& context)
     : ComponentX(InfoOf(TypeId::kWhiteBalance), context.width, context.height, 4, 1),
+      kernels_(context.kernels),
       settings_(context.settings) {
   const int adjust = settings_.exposureAdjust;
-  if (adjust == 0) return;
-  // Single precision from here on, so that every machine scales by the same factor.
-  const double factor = static_cast<float>(std::pow(2.0, adjust / 10.0));
+  if (adjust == 0 || !IsSupported(adjust)) return;
+  const double factor = ExposureFactor(adjust);
   if (adjust < 0) {
     const Sample greenGain = (settings_.wbGains[1] + settings_.wbGains[2]) / 2;
     clipLevel_ = std::min(Truncated(4096.0 * factor * greenGain / 1024.0), kHighest);
@@ -50,17 +49,17 @@ Result WhiteBalance::Run(int first, int last) {
   ComponentX* const source = input(0);
   if (source == nullptr || source->typeId() != TypeId::kSourceStreamReader) return DEIMG_MISSING;
   const int adjust = settings_.exposureAdjust;
-  if (adjust < -kLargestAdjustment || adjust > kLargestAdjustment) return DEIMG_MISSING;
+  if (!IsSupported(adjust)) return DEIMG_MISSING;
   if (adjust != 0 && !exposureTable_) return DEIMG_OUT_OF_MEMORY;
   for (int o = first; o <= last; ++o) {
     const Sample* in = source->GetLine(o, 0);
     if (adjust != 0) {
-      ExposureLine(in, width(), exposureTable_.get(), Scratch(0));
+      kernels_.exposureLine(in, width(), exposureTable_.get(), Scratch(0));
       in = Scratch(0);
     }
     const std::size_t site = IsOddAt(o) ? 2 : 0;
-    WhiteBalanceLine(in, width(), settings_.wbGains[site], settings_.wbGains[site + 1], clipLevel_,
-                     OwnLine(o, 0));
+    kernels_.whiteBalanceLine(in, width(), settings_.wbGains[site], settings_.wbGains[site + 1],
+                              clipLevel_, OwnLine(o, 0));
   }
   return DEIMG_OK;
 }

@@ -26,17 +26,11 @@ class WhiteBalance final : public ComponentX {
   const std::uint16_t* exposureTable() const { return exposureTable_.get(); }
 
  private:
+  const Kernels& kernels_;
   const DevelopSettings& settings_;
   Sample clipLevel_ = kTableSize - 1;
   BlockOf<std::uint16_t> exposureTable_;
 };
-
-/// Gain, pedestal and clip on one line whose even and odd columns have a gain each.
-void WhiteBalanceLine(Line in, int width, Sample evenGain, Sample oddGain, Sample clipLevel,
-                      MutableLine out);
-
-/// Looks raw samples up; larger ones than the table holds count as its last.
-void ExposureLine(Line in, int width, const std::uint16_t* table, MutableLine out);
 
 }  // namespace deimg
 

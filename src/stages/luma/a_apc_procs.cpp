@@ -1,15 +1,18 @@
 #include "stages/luma/a_apc_procs.h"
 
+#include <algorithm>
+
 namespace deimg {
 namespace {
 
 constexpr int kCurveSize = 16384;
-constexpr Sample kDivisor = 16;
+constexpr int kShift = 4;
 
 }  // namespace
 
 AApcProcs::AApcProcs(const StageContext& context)
     : ComponentX(InfoOf(TypeId::kAApcProcs), context.width, context.height, 4),
+      kernels_(context.kernels),
       settings_(context.settings),
       tuning_(context.tuning) {}
 
@@ -24,7 +27,8 @@ Result AApcProcs::Run(int first, int last) {
         curve_.Build(tuning_.apcCurve(*setIndex, TuningBlock::ApcCurveId::kA), kCurveSize));
   }
   for (int o = first; o <= last; ++o) {
-    curve_.Apply(detail->GetLine(o, 0), kDivisor, width(), OwnLine(o, 0));
+    std::copy_n(detail->GetLine(o, 0), width(), OwnLine(o, 0));
+    curve_.Apply(kernels_, kShift, width(), OwnLine(o, 0));
   }
   return DEIMG_OK;
 }

@@ -18,6 +18,7 @@ class AApcProcs final : public ComponentX {
   [[nodiscard]] Result Run(int first, int last) override;
 
  private:
+  const Kernels& kernels_;
   const DevelopSettings& settings_;
   const TuningBlock tuning_;
   ApcCurve curve_;

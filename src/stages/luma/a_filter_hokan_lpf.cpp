@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <iterator>
 
-#include "stages/colour/mosaic_interpolation.h"
-
 namespace deimg {
 namespace {
 
@@ -15,6 +13,7 @@ constexpr int kSelectors[] = {24, 33, 42, 55, 98, 111, 116, 125, 128};
 
 AFilterHokanLpf::AFilterHokanLpf(const StageContext& context)
     : ComponentX(InfoOf(TypeId::kAFilterHokanLpf), context.width, context.height, 4),
+      kernels_(context.kernels),
       settings_(context.settings),
       tuning_(context.tuning) {}
 
@@ -29,7 +28,8 @@ Result AFilterHokanLpf::Run(int first, int last) {
   }
   for (int o = first; o <= last; ++o) {
     // Green lies on the even columns of odd lines and on the odd columns of even ones.
-    const auto spreadLine = IsOddAt(o) ? SpreadEvenColumnsLine : SpreadOddColumnsLine;
+    const auto spreadLine =
+        IsOddAt(o) ? kernels_.spreadEvenColumnsLine : kernels_.spreadOddColumnsLine;
     spreadLine(mosaic->GetLine(o, 0), width(), OwnLine(o, 0));
   }
   return DEIMG_OK;

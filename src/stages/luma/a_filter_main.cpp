@@ -25,19 +25,9 @@ void BuildAFilterGainTable(int slopeShift, int coreLevel, Sample* table) {
   table[kEntries] = kFullGain;
 }
 
-void AFilterLine(Line direction, Line vertical, Line both, Line horizontal, const Sample* gains,
-                 int width, MutableLine out) {
-  constexpr std::uint32_t kLast = AFilterMain::kGainTableSize - 1;
-  for (int x = 0; x < width; ++x) {
-    const Sample d = direction[x];
-    const auto magnitude = static_cast<std::uint32_t>(d < 0 ? -d : d);
-    const Sample smoothed = d < 0 ? 4 * vertical[x] : 8 * horizontal[x];
-    out[x] = (smoothed - both[x]) * gains[std::min(magnitude, kLast)] / 32;
-  }
-}
-
 AFilterMain::AFilterMain(const StageContext& context)
     : ComponentX(InfoOf(TypeId::kAFilterMain), context.width, context.height, 4),
+      kernels_(context.kernels),
       settings_(context.settings),
       tuning_(context.tuning) {}
 
@@ -82,8 +72,8 @@ Result AFilterMain::Run(int first, int last) {
   }
   if (!gainTable_) DEIMG_RETURN_IF_FAILED(BuildGainTable());
   for (int o = first; o <= last; ++o) {
-    AFilterLine(direction->GetLine(o, 0), vertical->GetLine(o, 0), both->GetLine(o, 0),
-                horizontal->GetLine(o, 0), gainTable_.get(), width(), OwnLine(o, 0));
+    kernels_.aFilterLine(direction->GetLine(o, 0), vertical->GetLine(o, 0), both->GetLine(o, 0),
+                         horizontal->GetLine(o, 0), gainTable_.get(), width(), OwnLine(o, 0));
   }
   return DEIMG_OK;
 }

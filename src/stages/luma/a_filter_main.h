@@ -26,6 +26,7 @@ class AFilterMain final : public ComponentX {
  private:
   [[nodiscard]] Result BuildGainTable();
 
+  const Kernels& kernels_;
   const DevelopSettings& settings_;
   const TuningBlock tuning_;
   BlockOf<Sample> gainTable_;  // 32nds, by the size of the direction measure
@@ -34,10 +35,6 @@ class AFilterMain final : public ComponentX {
 /// Fills the gain table: 0 below `coreLevel`, then a ramp of 256 >> `slopeShift` eighths per unit,
 /// then 32. `slopeShift` is 0 to 8.
 void BuildAFilterGainTable(int slopeShift, int coreLevel, Sample* table);
-
-/// One line.
-void AFilterLine(Line direction, Line vertical, Line both, Line horizontal, const Sample* gains,
-                 int width, MutableLine out);
 
 }  // namespace deimg
 

@@ -15,7 +15,7 @@ double SlopeOf(std::int16_t code) {
 }  // namespace
 
 Result ApcCurve::Build(const ApcCurveParams& params, int size) {
-  table_ = BlockOf<std::int16_t>::Zeroed(static_cast<std::uint64_t>(size));
+  table_ = BlockOf<Sample>::Zeroed(static_cast<std::uint64_t>(size));
   if (!table_) return DEIMG_OUT_OF_MEMORY;
   size_ = size;
   const int knee1 = params[0] * 4;
@@ -33,13 +33,8 @@ Result ApcCurve::Build(const ApcCurveParams& params, int size) {
   return DEIMG_OK;
 }
 
-void ApcCurve::Apply(const Sample* source, Sample divisor, int width, Sample* destination) const {
-  const std::int16_t* const table = table_.get();
-  const Sample last = size_ - 1;
-  for (int x = 0; x < width; ++x) {
-    const Sample v = std::clamp(source[x] / divisor, -last, last);
-    destination[x] = v >= 0 ? table[v] : -table[-v];
-  }
+void ApcCurve::Apply(const Kernels& kernels, int shift, int width, Sample* line) const {
+  kernels.apcCurveLine(table_.get(), size_ - 1, shift, width, line);
 }
 
 }  // namespace deimg

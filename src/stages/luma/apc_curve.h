@@ -5,7 +5,7 @@
 #include <cstdint>
 
 #include "api/result.h"
-#include "graph/line.h"
+#include "graph/kernels.h"
 #include "props/tuning_block.h"
 #include "storage/mem_block.h"
 
@@ -22,14 +22,13 @@ class ApcCurve {
   /// Builds a curve of `size` entries: three straight segments. DEIMG_OUT_OF_MEMORY.
   [[nodiscard]] Result Build(const ApcCurveParams& params, int size);
 
-  /// Maps a line of samples divided by `divisor`, clamped to the curve. Source and destination may
-  /// be the same line.
-  void Apply(const Sample* source, Sample divisor, int width, Sample* destination) const;
+  /// In place: maps a line of samples divided by 2 to the power of `shift`, clamped to the curve.
+  void Apply(const Kernels& kernels, int shift, int width, Sample* line) const;
 
-  const std::int16_t* table() const { return table_.get(); }
+  const Sample* table() const { return table_.get(); }
 
  private:
-  BlockOf<std::int16_t> table_;
+  BlockOf<Sample> table_;
   int size_ = 0;
 };
 

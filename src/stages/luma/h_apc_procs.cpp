@@ -5,26 +5,13 @@ namespace {
 
 constexpr int kLayout = 32;
 constexpr int kCurveSize = 8192;
-constexpr Sample kDivisor = 16;
+constexpr int kShift = 4;
 
 }  // namespace
 
-void NarrowHighPassLine(Line in, int width, MutableLine out) {
-  out[0] = out[1] = out[width - 2] = out[width - 1] = 0;
-  for (int x = 2; x < width - 2; ++x) out[x] = (2 * in[x] - in[x - 2] - in[x + 2]) / 4;
-}
-
-void WideHighPassLine(Line in, int width, MutableLine out) {
-  for (int x = 0; x < 3; ++x) out[x] = out[width - 1 - x] = 0;
-  for (int x = 3; x < width - 3; ++x) {
-    out[x] = (8 * in[x] - (in[x - 1] + in[x + 1]) - 4 * (in[x - 2] + in[x + 2]) +
-              (in[x - 3] + in[x + 3])) /
-             16;
-  }
-}
-
 HApcProcs::HApcProcs(const StageContext& context)
     : ComponentX(InfoOf(TypeId::kHApcProcs), context.width, context.height, 4),
+      kernels_(context.kernels),
       settings_(context.settings),
       tuning_(context.tuning) {}
 
@@ -44,10 +31,10 @@ Result HApcProcs::Run(int first, int last) {
   if (!wide_) DEIMG_RETURN_IF_FAILED(BuildCurves(*setIndex));
   for (int o = first; o <= last; ++o) {
     const Sample* const in = luminance->GetLine(o, 1);
-    NarrowHighPassLine(in, width(), OwnLine(o, 0));
-    narrow_.Apply(OwnLine(o, 0), kDivisor, width(), OwnLine(o, 0));
-    WideHighPassLine(in, width(), OwnLine(o, 1));
-    wide_.Apply(OwnLine(o, 1), kDivisor, width(), OwnLine(o, 1));
+    kernels_.narrowHighPassLine(in, width(), OwnLine(o, 0));
+    narrow_.Apply(kernels_, kShift, width(), OwnLine(o, 0));
+    kernels_.wideHighPassLine(in, width(), OwnLine(o, 1));
+    wide_.Apply(kernels_, kShift, width(), OwnLine(o, 1));
   }
   return DEIMG_OK;
 }

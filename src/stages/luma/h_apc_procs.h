@@ -21,16 +21,12 @@ class HApcProcs final : public ComponentX {
  private:
   [[nodiscard]] Result BuildCurves(int setIndex);
 
+  const Kernels& kernels_;
   const DevelopSettings& settings_;
   const TuningBlock tuning_;
   ApcCurve narrow_;
   ApcCurve wide_;
 };
-
-/// High-passes (-1, 0, 2, 0, -1) / 4 and (1, -4, -1, 8, -1, -4, 1) / 16; the columns without all
-/// neighbours are 0.
-void NarrowHighPassLine(Line in, int width, MutableLine out);
-void WideHighPassLine(Line in, int width, MutableLine out);
 
 }  // namespace deimg
 

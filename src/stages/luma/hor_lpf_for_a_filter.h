@@ -27,14 +27,11 @@ class HorLpfForAFilter final : public ComponentX {
   [[nodiscard]] Result Run(int first, int last) override;
 
  private:
+  const Kernels& kernels_;
   const int tapCount_;
   std::array<Sample, kMostTaps> taps_{};
   Sample divisor_ = 0;  // 0: no such kernel
 };
-
-/// One line with an odd number of taps. Columns without all neighbours are multiplied by the
-/// kernel's gain.
-void HorLpfLine(Line in, std::span<const Sample> taps, Sample divisor, int width, MutableLine out);
 
 }  // namespace deimg
 

@@ -22,32 +22,11 @@ class RApcProcs final : public ComponentX {
   [[nodiscard]] Result Run(int first, int last) override;
 
  private:
+  const Kernels& kernels_;
   const DevelopSettings& settings_;
   const TuningBlock tuning_;
   ApcCurve curve_;
 };
-
-/// The seven lines around the one computed, from three above to three below.
-using SevenLines = std::array<const Sample*, 7>;
-
-/// Vertical low-passes with a gain of 4: (1, 4, 6, 4, 1) / 4, and two of seven taps in sixteenths.
-void VerticalSmooth5Line(const SevenLines& in, int width, MutableLine out);
-void VerticalSmooth7Line(const SevenLines& in, const std::array<Sample, 4>& taps, int width,
-                         MutableLine out);
-
-/// Horizontal pass (1, 2, 1) with a gain of 4. The last column adds its new left neighbour.
-void HorizontalSmooth121Line(Line in, int width, MutableLine out);
-
-/// Horizontal pass (far, 4, centre, 4, far) / 4; the two outer columns on each side are multiplied
-/// by `border`.
-void HorizontalSmooth5Line(Line in, Sample centre, Sample far, Sample border, int width,
-                           MutableLine out);
-
-/// Reference (1, 2, 1) down the columns with a gain of 16.
-void ReferenceLine(const SevenLines& in, int width, MutableLine out);
-
-/// In place: smooth0 becomes reference minus the blend of both, `weight` eighths of the second.
-void BlendLine(Line reference, Line smooth1, Sample weight, int width, MutableLine smooth0);
 
 }  // namespace deimg
 

@@ -22,19 +22,11 @@ class RamenToYmix final : public ComponentX {
   [[nodiscard]] Result Run(int first, int last) override;
 
  private:
+  const Kernels& kernels_;
   const DevelopSettings& settings_;
   const TuningBlock tuning_;
   const std::array<std::int16_t, 3> weights_;  // red, own, blue; 256 = 1.0
 };
-
-/// enhanced = luminance + detail x gain / 8; mixed takes detail x mixGain / 8 back.
-void AddDetailLine(Line luminance, Line detail, Sample gain, Sample mixGain, int width,
-                   MutableLine mixed, MutableLine enhanced);
-
-/// In place: weights the line with red and blue, each smoothed by 1, 2, 1, and subtracts the
-/// pedestal.
-void MixLine(Line r, Line b, const std::array<std::int16_t, 3>& weights, Sample pedestal, int width,
-             MutableLine y);
 
 }  // namespace deimg
 

@@ -21,18 +21,11 @@ class VApcProcs final : public ComponentX {
   [[nodiscard]] Result Run(int first, int last) override;
 
  private:
+  const Kernels& kernels_;
   const DevelopSettings& settings_;
   const TuningBlock tuning_;
   ApcCurve curve_;
 };
-
-/// High-passes down the columns: (-1, 0, 2, 0, -1) / 2 and (1, -4, -1, 8, -1, -4, 1) / 8.
-void VerticalHighPass3Line(Line u2, Line m, Line d2, int width, MutableLine out);
-void VerticalHighPass7Line(Line u3, Line u2, Line u1, Line m, Line d1, Line d2, Line d3, int width,
-                           MutableLine out);
-
-/// (1, 4, 6, 4, 1) / 16 along the line; the two outer columns on each side are copied.
-void SmoothDetailLine(Line in, int width, MutableLine out);
 
 }  // namespace deimg
 

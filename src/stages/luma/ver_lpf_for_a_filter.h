@@ -25,16 +25,13 @@ class VerLpfForAFilter final : public ComponentX {
   [[nodiscard]] Result Run(int first, int last) override;
 
  private:
+  const Kernels& kernels_;
   const DevelopSettings& settings_;
   const TuningBlock tuning_;
 };
 
 /// The kernel of a selector; none for an unknown one.
 [[nodiscard]] std::optional<VerLpfTaps> VerLpfTapsOf(int selector);
-
-/// One line; `lines` are the seven mosaic lines from three above to three below.
-void VerLpfLine(const std::array<const Sample*, 7>& lines, const VerLpfTaps& taps, bool oddLine,
-                int width, MutableLine out);
 
 }  // namespace deimg
 

@@ -8,13 +8,6 @@ namespace deimg {
 namespace {
 
 constexpr Sample kHighest = 8191;
-constexpr Sample kHighestLevel = YMainProcs::kGainTableSize - 1;
-
-Sample Clipped(Sample y) { return std::clamp(y, 0, kHighest); }
-
-void ToneLine(const std::uint16_t* table, int width, MutableLine y) {
-  for (int x = 0; x < width; ++x) y[x] = table[y[x]];
-}
 
 /// One quadratic segment: its start in units of 4, and its five controls.
 struct Segment {
@@ -40,7 +33,7 @@ Sample CorrectionGain(int factor, int shift) {
 
 }  // namespace
 
-Result BuildDetailGainTable(const DetailGainParams& params, std::uint16_t* table) {
+Result BuildDetailGainTable(const DetailGainParams& params, Sample* table) {
   constexpr double kRise[] = {0.0, 4.0, 2.0, 1.0};
   constexpr double kFall[] = {0.0, -1.0, -0.5, -0.25};
   constexpr int kEnd[] = {1024, 800, 832, 864, 896, 928, 960, 992};
@@ -86,7 +79,7 @@ Sample LuminanceToneCurve(Sample i, const TuningBlock::Words<32>& controls) {
   Sample v = (quadratic * d * d / 512 + linear * d) >> 6;
   if (quarter == 1) v >>= 2;
   if (shift >= 1 && shift <= 3) v >>= shift;
-  return Clipped(v + 32 * base);
+  return std::clamp(v + 32 * base, 0, kHighest);
 }
 
 ChromaCorrection ChromaCorrectionOf(const std::array<std::uint16_t, 7>& p) {
@@ -98,37 +91,9 @@ ChromaCorrection ChromaCorrectionOf(const std::array<std::uint16_t, 7>& p) {
   return correction;
 }
 
-void ScaleLuminanceLine(Line y, int width, MutableLine out) {
-  for (int x = 0; x < width; ++x) out[x] = Clipped(y[x] / 8);
-}
-
-void AddDetailsLine(Line y, const DetailLines& details, const std::uint16_t* gainTable,
-                    Sample negativeScale, int width, MutableLine scratch, MutableLine out) {
-  const Line hNarrow = details.hNarrow, hWide = details.hWide, r = details.r, v = details.v,
-             a = details.a;
-  for (int x = 0; x < width; ++x) scratch[x] = hNarrow[x] + hWide[x] + r[x] + v[x] + a[x];
-  const auto enhanced = [&](int x, Sample level) {
-    const Sample detail = gainTable[std::clamp(level, 0, kHighestLevel)] * scratch[x] / 128;
-    return Clipped((y[x] + (detail < 0 ? detail * negativeScale / 1024 : detail)) / 8);
-  };
-  for (const int x : {0, 1, width - 3, width - 2, width - 1}) out[x] = enhanced(x, y[x] / 64);
-  for (int x = 2; x < width - 3; ++x) {
-    out[x] = enhanced(x, (y[x - 2] + y[x + 2] + 2 * (y[x - 1] + y[x] + y[x + 1])) / 512);
-  }
-}
-
-void CorrectByChromaLine(Line cr, Line cb, const ChromaCorrection& correction, int width,
-                         MutableLine y) {
-  const auto [threshold, gainCr, gainCb] = correction;
-  for (int x = 0; x < width; ++x) {
-    const Sample excessCr = std::max(0, cr[x] - threshold);
-    const Sample excessCb = std::max(0, cb[x] - threshold);
-    y[x] = Clipped((2 * y[x] - (excessCr * gainCr + excessCb * gainCb) / 16 + 1) / 2);
-  }
-}
-
 YMainProcs::YMainProcs(const StageContext& context)
     : ComponentX(InfoOf(TypeId::kYMainProcs), context.width, context.height, 4, 1),
+      kernels_(context.kernels),
       settings_(context.settings),
       tuning_(context.tuning) {}
 
@@ -136,7 +101,7 @@ Result YMainProcs::PrepareDetail() {
   const auto setIndex = settings_.setIndex();
   if (!setIndex) return DEIMG_UNSUPPORTED;
   const int set = *setIndex;
-  auto table = BlockOf<std::uint16_t>::Zeroed(kGainTableSize);
+  auto table = BlockOf<Sample>::Zeroed(kGainTableSize);
   if (!table) return DEIMG_OUT_OF_MEMORY;
   DEIMG_RETURN_IF_FAILED(BuildDetailGainTable(
       {tuning_.detailRiseCode(set), tuning_.detailFallCode(set), tuning_.detailEndCode(set),
@@ -151,11 +116,11 @@ Result YMainProcs::PrepareDetail() {
 Result YMainProcs::PrepareTone() {
   const auto toneIndex = settings_.toneIndex();
   if (!toneIndex) return DEIMG_UNSUPPORTED;
-  auto table = BlockOf<std::uint16_t>::Zeroed(kToneTableSize);
+  auto table = BlockOf<Sample>::Zeroed(kToneTableSize);
   if (!table) return DEIMG_OUT_OF_MEMORY;
   const auto controls = tuning_.toneControls(*toneIndex, settings_.isoClass);
   for (int i = 0; i < kToneTableSize; ++i) {
-    table[static_cast<std::size_t>(i)] = Low16(LuminanceToneCurve(i, controls));
+    table[static_cast<std::size_t>(i)] = LuminanceToneCurve(i, controls);
   }
   toneTable_ = std::move(table);
   return DEIMG_OK;
@@ -182,16 +147,17 @@ Result YMainProcs::Run(int first, int last) {
   for (int o = first; o <= last; ++o) {
     Sample* const out = OwnLine(o, 0);
     if (!full || settings_.quick()) {
-      ScaleLuminanceLine(mix->GetLine(o, 0), width(), out);
+      kernels_.scaleLuminanceLine(mix->GetLine(o, 0), width(), out);
     } else {
       const DetailLines details{hApc->GetLine(o, 0), hApc->GetLine(o, 1), rApc->GetLine(o, 0),
                                 vApc->GetLine(o, 0), aApc->GetLine(o, 0)};
-      AddDetailsLine(mix->GetLine(o, 0), details, detailGainTable_.get(), negativeScale_, width(),
-                     Scratch(0), out);
+      kernels_.addDetailsLine(mix->GetLine(o, 0), details, detailGainTable_.get(), negativeScale_,
+                              width(), Scratch(0), out);
     }
     if (!full) continue;
-    ToneLine(toneTable_.get(), width(), out);
-    CorrectByChromaLine(chroma->GetLine(o, 1), chroma->GetLine(o, 2), correction, width(), out);
+    kernels_.luminanceToneLine(toneTable_.get(), width(), out);
+    kernels_.correctByChromaLine(chroma->GetLine(o, 1), chroma->GetLine(o, 2), correction, width(),
+                                 out);
   }
   return DEIMG_OK;
 }

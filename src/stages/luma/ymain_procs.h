@@ -30,11 +30,12 @@ class YMainProcs final : public ComponentX {
   [[nodiscard]] Result PrepareDetail();
   [[nodiscard]] Result PrepareTone();
 
+  const Kernels& kernels_;
   const DevelopSettings& settings_;
   const TuningBlock tuning_;
-  BlockOf<std::uint16_t> detailGainTable_;  // by brightness level
-  Sample negativeScale_ = 0;                // of darkening detail, 1024 = 1.0
-  BlockOf<std::uint16_t> toneTable_;
+  BlockOf<Sample> detailGainTable_;  // by brightness level
+  Sample negativeScale_ = 0;         // of darkening detail, 1024 = 1.0
+  BlockOf<Sample> toneTable_;
 };
 
 /// Codes and peak of the detail gain table.
@@ -47,7 +48,7 @@ struct DetailGainParams {
 
 /// Fills the gain by level: rises to 16 x peak, holds it, falls to 0. DEIMG_UNSUPPORTED for a code
 /// that does not exist.
-[[nodiscard]] Result BuildDetailGainTable(const DetailGainParams& params, std::uint16_t* table);
+[[nodiscard]] Result BuildDetailGainTable(const DetailGainParams& params, Sample* table);
 
 /// The scale of negative detail, 1024 = 1.0, from its two modes.
 [[nodiscard]] Result NegativeScale(std::int16_t modeA, std::int16_t modeB, Sample& scale);
@@ -55,33 +56,8 @@ struct DetailGainParams {
 /// The luminance tone curve at i: six quadratic segments from 32 controls; 0 to 8191.
 [[nodiscard]] Sample LuminanceToneCurve(Sample i, const TuningBlock::Words<32>& controls);
 
-/// Thresholds and gains of the correction by colour difference.
-struct ChromaCorrection {
-  Sample threshold;
-  Sample gainCr;
-  Sample gainCb;
-};
+/// The correction by colour difference, from its parameters p0 to p5.
 [[nodiscard]] ChromaCorrection ChromaCorrectionOf(const std::array<std::uint16_t, 7>& parameters);
-
-/// The five detail lines.
-struct DetailLines {
-  const Sample* hNarrow;
-  const Sample* hWide;
-  const Sample* r;
-  const Sample* v;
-  const Sample* a;
-};
-
-/// y / 8, clipped.
-void ScaleLuminanceLine(Line y, int width, MutableLine out);
-
-/// Adds the details, weighted by level; `scratch` holds their sum.
-void AddDetailsLine(Line y, const DetailLines& details, const std::uint16_t* gainTable,
-                    Sample negativeScale, int width, MutableLine scratch, MutableLine out);
-
-/// In place: lowers the luminance where a colour difference exceeds the threshold.
-void CorrectByChromaLine(Line cr, Line cb, const ChromaCorrection& correction, int width,
-                         MutableLine y);
 
 }  // namespace deimg
 

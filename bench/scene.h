@@ -1,0 +1,36 @@
+/// What is developed: the sample landscape, tiled to the sizes of interest.
+#ifndef DEIMG_BENCH_SCENE_H
+#define DEIMG_BENCH_SCENE_H
+
+#include <cstdint>
+#include <functional>
+#include <vector>
+
+#include "api/deimg.h"
+
+namespace deimg::bench {
+
+struct Scene {
+  int width = 0;  // of the sensor
+  int height = 0;
+  std::vector<std::uint8_t> file;     // the raw file
+  std::vector<std::uint16_t> mosaic;  // its samples
+};
+
+/// A raw file of this sensor size, made once.
+const Scene& SceneOf(int width, int height);
+
+/// The two sizes of interest.
+inline const Scene& SixMegapixels() { return SceneOf(3072, 2048); }
+inline const Scene& HundredMegapixels() { return SceneOf(12288, 8192); }
+
+/// Develops a file from memory, throwing the lines away; ends the program on a failure.
+void Develop(const Scene& scene, std::uint32_t flags, std::uint32_t format, int processingSet);
+
+/// A stream that reads from memory, and one that throws everything away.
+CallerStream MemoryInput(const std::vector<std::uint8_t>& file, std::size_t& position);
+CallerStream NullOutput();
+
+}  // namespace deimg::bench
+
+#endif  // DEIMG_BENCH_SCENE_H

@@ -1,0 +1,130 @@
+/// The line kernels of all stages, one table per instruction level.
+///
+/// Kernels are plain loops over whole lines, written once (stages/*/..._kernels.h) and compiled for
+/// every level by stages/kernels.cpp. All levels give the same bytes; a job takes the best one that
+/// the processor has. What a kernel computes is said where it is written.
+#ifndef DEIMG_GRAPH_KERNELS_H
+#define DEIMG_GRAPH_KERNELS_H
+
+#include <cstdint>
+
+#include "graph/line.h"
+
+namespace deimg {
+
+/// The four colour planes of one line.
+struct PlaneLines {
+  Sample* r;
+  Sample* gr;  // green from the greens of red lines
+  Sample* gb;  // green from the greens of blue lines
+  Sample* b;
+};
+
+/// The seven lines around the one computed, from three above to three below.
+struct SevenLines {
+  const Sample* line[7];
+};
+
+/// The five detail lines that sharpen the luminance.
+struct DetailLines {
+  const Sample* hNarrow;
+  const Sample* hWide;
+  const Sample* r;
+  const Sample* v;
+  const Sample* a;
+};
+
+/// Threshold and gains of the luminance correction by colour difference.
+struct ChromaCorrection {
+  Sample threshold;
+  Sample gainCr;
+  Sample gainCb;
+};
+
+struct Kernels {
+  // Source and last stage.
+  void (*widenLine)(const std::uint8_t* bytes, int width, MutableLine out);
+  void (*rgbLine8)(Line y, Line cr, Line cb, int width, MutableLine rgb);
+  void (*rgbLine16)(Line y, Line cr, Line cb, int width, MutableLine rgb);
+  void (*packLine8)(Line samples, int count, std::uint8_t* bytes);
+  void (*packLine16)(Line samples, int count, std::uint8_t* bytes);
+
+  // Colour path.
+  void (*whiteBalanceLine)(Line in, int width, Sample evenGain, Sample oddGain, Sample clipLevel,
+                           MutableLine out);
+  void (*exposureLine)(Line in, int width, const std::uint16_t* table, MutableLine out);
+  void (*directionMeasureLine)(Line u2, Line u1, Line m, Line d1, Line d2, int width,
+                               MutableLine out);
+  void (*spreadEvenColumnsLine)(Line in, int width, MutableLine out);
+  void (*spreadOddColumnsLine)(Line in, int width, MutableLine out);
+  void (*interpolateMosaicLine)(const Sample* above, const Sample* centre, const Sample* below,
+                                bool oddLine, int width, Sample* scratch0, Sample* scratch1,
+                                const PlaneLines& out);
+  void (*exchangeGreensLine)(Line direction, Sample threshold, int width, MutableLine gr,
+                             MutableLine gb);
+  void (*colourDifferenceLine)(Line direction, Sample threshold, bool choose, Line gr, Line gb,
+                               int width, MutableLine red, MutableLine blue);
+  void (*medianLine)(const Sample* above, const Sample* centre, const Sample* below, int width,
+                     Sample* lowest, Sample* middle, Sample* highest, Sample* out);
+  void (*matrixRowLine)(Line r, Line gr, Line b, Line gb, const std::int16_t* row, int width,
+                        MutableLine out);
+  void (*matrixPairLine)(Line redMinusGreen, Line blueMinusGreen, Sample mRed, Sample mBlue,
+                         int width, MutableLine out);
+  void (*suppressionLevelLine)(Line r, Line b, Line luminance, int width, MutableLine level);
+  void (*largestLevelLine)(Line level, int width, MutableLine largest);
+  void (*suppressLine)(Line in, Line level, const Sample* curve, Sample gain, int width,
+                       MutableLine out);
+  void (*smoothLine9)(Line in, int width, MutableLine out);
+  void (*smoothLine7)(Line in, int width, MutableLine out);
+  void (*toRgbLine)(const Sample* black, int width, MutableLine yToR, MutableLine c1ToG,
+                    MutableLine c2ToB);
+  void (*rgbToneLine)(const Sample* table, int width, MutableLine line);
+  void (*toColourDifferencesLine)(Line r, int width, MutableLine gToCr, MutableLine bToCb);
+  void (*chromaGainLine)(const Sample* table, int width, MutableLine cr, MutableLine cb);
+  void (*hueMixLine)(const std::int16_t* mix, int width, MutableLine cr, MutableLine cb);
+
+  // Luminance path.
+  void (*verLpfLine)(const SevenLines& in, const Sample* taps, bool oddLine, int width,
+                     MutableLine out);
+  void (*horLpfLine)(Line in, const Sample* taps, int tapCount, Sample divisor, int width,
+                     MutableLine out);
+  void (*aFilterLine)(Line direction, Line vertical, Line both, Line horizontal,
+                      const Sample* gains, int width, MutableLine out);
+  void (*addDetailLine)(Line luminance, Line detail, Sample gain, Sample mixGain, int width,
+                        MutableLine mixed, MutableLine enhanced);
+  void (*mixLine)(Line r, Line b, const std::int16_t* weights, Sample pedestal, int width,
+                  MutableLine y);
+  void (*apcCurveLine)(const Sample* table, Sample last, int shift, int width, MutableLine line);
+  void (*narrowHighPassLine)(Line in, int width, MutableLine out);
+  void (*wideHighPassLine)(Line in, int width, MutableLine out);
+  void (*verticalHighPass3Line)(Line u2, Line m, Line d2, int width, MutableLine out);
+  void (*verticalHighPass7Line)(const SevenLines& in, int width, MutableLine out);
+  void (*smoothDetailLine)(Line in, int width, MutableLine out);
+  void (*verticalSmooth5Line)(const SevenLines& in, int width, MutableLine out);
+  void (*verticalSmooth7Line)(const SevenLines& in, const Sample* taps, int width, MutableLine out);
+  void (*horizontalSmooth121Line)(Line in, int width, MutableLine out);
+  void (*horizontalSmooth5Line)(Line in, Sample centre, Sample far, Sample border, int width,
+                                MutableLine out);
+  void (*referenceLine)(const SevenLines& in, int width, MutableLine out);
+  void (*blendLine)(Line reference, Line smooth1, Sample weight, int width, MutableLine smooth0);
+  void (*scaleLuminanceLine)(Line y, int width, MutableLine out);
+  void (*addDetailsLine)(Line y, const DetailLines& details, const Sample* gainTable,
+                         Sample negativeScale, int width, MutableLine scratch, MutableLine out);
+  void (*luminanceToneLine)(const Sample* table, int width, MutableLine y);
+  void (*correctByChromaLine)(Line cr, Line cb, const ChromaCorrection& correction, int width,
+                              MutableLine y);
+};
+
+enum class KernelLevel { kBaseline, kAvx2, kAvx512 };
+inline constexpr KernelLevel kKernelLevels[] = {KernelLevel::kBaseline, KernelLevel::kAvx2,
+                                                KernelLevel::kAvx512};
+
+/// The kernels of a level; null when this build or this processor does not have it.
+[[nodiscard]] const Kernels* KernelsOf(KernelLevel level);
+
+/// The kernels that jobs use: the best level there is, chosen once per process.
+[[nodiscard]] const Kernels& ChosenKernels();
+
+}  // namespace deimg
+
+#endif  // DEIMG_GRAPH_KERNELS_H

@@ -1,0 +1,31 @@
+/// Kernels of the stage in white_balance.h.
+#ifndef DEIMG_STAGES_COLOUR_WHITE_BALANCE_KERNELS_H
+#define DEIMG_STAGES_COLOUR_WHITE_BALANCE_KERNELS_H
+
+#include "graph/kernel_math.h"
+#include "graph/line.h"
+
+namespace deimg {
+
+/// Gains have this value for a factor of 1; every sample is lifted by the pedestal.
+static constexpr Sample kGainOne = 1024;
+static constexpr Sample kPedestal = 128;
+static constexpr Sample kHighestRawSample = 4095;
+
+/// Gain, pedestal and clip on one line whose even and odd columns have a gain each.
+static void WhiteBalanceLine(Line in, int width, Sample evenGain, Sample oddGain, Sample clipLevel,
+                             MutableLine out) {
+  for (Index x = 0; x < width; ++x) {
+    const Sample gain = x % 2 == 0 ? evenGain : oddGain;
+    out[x] = Min(in[x] * gain / kGainOne + kPedestal, clipLevel);
+  }
+}
+
+/// Looks raw samples up; larger ones than the table holds count as its last.
+static void ExposureLine(Line in, int width, const std::uint16_t* table, MutableLine out) {
+  for (Index x = 0; x < width; ++x) out[x] = table[Min(in[x], kHighestRawSample)];
+}
+
+}  // namespace deimg
+
+#endif  // DEIMG_STAGES_COLOUR_WHITE_BALANCE_KERNELS_H

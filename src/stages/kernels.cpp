@@ -1,0 +1,80 @@
+// All kernels, compiled once per instruction level: DEIMG_KERNELS names the level's table.
+//
+// Nothing with external linkage but the table may come out of this file, or code of one level could
+// end up in a process that cannot run it: it includes kernels and plain types only.
+#include "graph/kernels.h"
+
+#include "graph/output_kernels.h"
+#include "stages/colour/chroma_suppress_kernels.h"
+#include "stages/colour/color_system_proc_kernels.h"
+#include "stages/colour/hokan_circuit_kernels.h"
+#include "stages/colour/hokan_vh_kernels.h"
+#include "stages/colour/matrix4x3_kernels.h"
+#include "stages/colour/median_crcb_kernels.h"
+#include "stages/colour/mosaic_interpolation_kernels.h"
+#include "stages/colour/vh_diff_kernels.h"
+#include "stages/colour/white_balance_kernels.h"
+#include "stages/luma/a_filter_main_kernels.h"
+#include "stages/luma/apc_curve_kernels.h"
+#include "stages/luma/h_apc_procs_kernels.h"
+#include "stages/luma/hor_lpf_for_a_filter_kernels.h"
+#include "stages/luma/r_apc_procs_kernels.h"
+#include "stages/luma/ramen_to_ymix_kernels.h"
+#include "stages/luma/v_apc_procs_kernels.h"
+#include "stages/luma/ver_lpf_for_a_filter_kernels.h"
+#include "stages/luma/ymain_procs_kernels.h"
+
+namespace deimg {
+
+extern const Kernels DEIMG_KERNELS;
+const Kernels DEIMG_KERNELS = {
+    .widenLine = WidenLine,
+    .rgbLine8 = RgbLine8,
+    .rgbLine16 = RgbLine16,
+    .packLine8 = PackLine8,
+    .packLine16 = PackLine16,
+    .whiteBalanceLine = WhiteBalanceLine,
+    .exposureLine = ExposureLine,
+    .directionMeasureLine = DirectionMeasureLine,
+    .spreadEvenColumnsLine = SpreadEvenColumnsLine,
+    .spreadOddColumnsLine = SpreadOddColumnsLine,
+    .interpolateMosaicLine = InterpolateMosaicLine,
+    .exchangeGreensLine = ExchangeGreensLine,
+    .colourDifferenceLine = ColourDifferenceLine,
+    .medianLine = MedianLine,
+    .matrixRowLine = MatrixRowLine,
+    .matrixPairLine = MatrixPairLine,
+    .suppressionLevelLine = SuppressionLevelLine,
+    .largestLevelLine = LargestLevelLine,
+    .suppressLine = SuppressLine,
+    .smoothLine9 = SmoothLine9,
+    .smoothLine7 = SmoothLine7,
+    .toRgbLine = ToRgbLine,
+    .rgbToneLine = RgbToneLine,
+    .toColourDifferencesLine = ToColourDifferencesLine,
+    .chromaGainLine = ChromaGainLine,
+    .hueMixLine = HueMixLine,
+    .verLpfLine = VerLpfLine,
+    .horLpfLine = HorLpfLine,
+    .aFilterLine = AFilterLine,
+    .addDetailLine = AddDetailLine,
+    .mixLine = MixLine,
+    .apcCurveLine = ApcCurveLine,
+    .narrowHighPassLine = NarrowHighPassLine,
+    .wideHighPassLine = WideHighPassLine,
+    .verticalHighPass3Line = VerticalHighPass3Line,
+    .verticalHighPass7Line = VerticalHighPass7Line,
+    .smoothDetailLine = SmoothDetailLine,
+    .verticalSmooth5Line = VerticalSmooth5Line,
+    .verticalSmooth7Line = VerticalSmooth7Line,
+    .horizontalSmooth121Line = HorizontalSmooth121Line,
+    .horizontalSmooth5Line = HorizontalSmooth5Line,
+    .referenceLine = ReferenceLine,
+    .blendLine = BlendLine,
+    .scaleLuminanceLine = ScaleLuminanceLine,
+    .addDetailsLine = AddDetailsLine,
+    .luminanceToneLine = LuminanceToneLine,
+    .correctByChromaLine = CorrectByChromaLine,
+};
+
+}  // namespace deimg

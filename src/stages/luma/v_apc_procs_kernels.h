@@ -1,0 +1,37 @@
+/// Kernels of the stage in v_apc_procs.h.
+#ifndef DEIMG_STAGES_LUMA_V_APC_PROCS_KERNELS_H
+#define DEIMG_STAGES_LUMA_V_APC_PROCS_KERNELS_H
+
+#include "graph/kernel_math.h"
+#include "graph/kernels.h"
+#include "graph/line.h"
+
+namespace deimg {
+
+/// High-passes down the columns: (-1, 0, 2, 0, -1) / 2 and (1, -4, -1, 8, -1, -4, 1) / 8.
+static void VerticalHighPass3Line(Line u2, Line m, Line d2, int width, MutableLine out) {
+  for (Index x = 0; x < width; ++x) out[x] = (2 * m[x] - u2[x] - d2[x]) / 2;
+}
+
+static void VerticalHighPass7Line(const SevenLines& in, int width, MutableLine out) {
+  const Line u3 = in.line[0], u2 = in.line[1], u1 = in.line[2], m = in.line[3], d1 = in.line[4],
+             d2 = in.line[5], d3 = in.line[6];
+  for (Index x = 0; x < width; ++x) {
+    out[x] = (8 * m[x] - (u1[x] + d1[x]) - 4 * (u2[x] + d2[x]) + (u3[x] + d3[x])) / 8;
+  }
+}
+
+/// (1, 4, 6, 4, 1) / 16 along the line; the two outer columns on each side are copied.
+static void SmoothDetailLine(Line in, int width, MutableLine out) {
+  out[0] = in[0];
+  out[1] = in[1];
+  out[width - 2] = in[width - 2];
+  out[width - 1] = in[width - 1];
+  for (Index x = 2; x < width - 2; ++x) {
+    out[x] = (6 * in[x] + 4 * (in[x - 1] + in[x + 1]) + (in[x - 2] + in[x + 2])) / 16;
+  }
+}
+
+}  // namespace deimg
+
+#endif  // DEIMG_STAGES_LUMA_V_APC_PROCS_KERNELS_H

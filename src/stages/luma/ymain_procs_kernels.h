@@ -1,0 +1,57 @@
+/// Kernels of the stage in ymain_procs.h.
+#ifndef DEIMG_STAGES_LUMA_YMAIN_PROCS_KERNELS_H
+#define DEIMG_STAGES_LUMA_YMAIN_PROCS_KERNELS_H
+
+#include "graph/kernel_math.h"
+#include "graph/kernels.h"
+#include "graph/line.h"
+
+namespace deimg {
+
+static constexpr Sample kHighestLuminance = 8191;
+static constexpr Sample kHighestBrightness = 1023;  // level of the detail gain
+
+static Sample Clipped(Sample y) { return Clamp(y, 0, kHighestLuminance); }
+
+static void LuminanceToneLine(const Sample* table, int width, MutableLine y) {
+  for (Index x = 0; x < width; ++x) y[x] = table[y[x]];
+}
+
+/// y / 8, clipped.
+static void ScaleLuminanceLine(Line y, int width, MutableLine out) {
+  for (Index x = 0; x < width; ++x) out[x] = Clipped(y[x] / 8);
+}
+
+/// Adds the details, weighted by level; `scratch` holds their sum.
+static void AddDetailsLine(Line y, const DetailLines& details, const Sample* gainTable,
+                           Sample negativeScale, int width, MutableLine scratch, MutableLine out) {
+  const Line hNarrow = details.hNarrow, hWide = details.hWide, r = details.r, v = details.v,
+             a = details.a;
+  for (Index x = 0; x < width; ++x) scratch[x] = hNarrow[x] + hWide[x] + r[x] + v[x] + a[x];
+  const auto enhanced = [&](Index x, Sample level) {
+    const Sample detail = gainTable[Clamp(level, 0, kHighestBrightness)] * scratch[x] / 128;
+    return Clipped((y[x] + (detail < 0 ? detail * negativeScale / 1024 : detail)) / 8);
+  };
+  const Index ends[] = {0, 1, width - 3, width - 2, width - 1};
+  for (const Index x : ends) out[x] = enhanced(x, y[x] / 64);
+  for (Index x = 2; x < width - 3; ++x) {
+    out[x] = enhanced(x, (y[x - 2] + y[x + 2] + 2 * (y[x - 1] + y[x] + y[x + 1])) / 512);
+  }
+}
+
+/// In place: lowers the luminance where a colour difference exceeds the threshold.
+static void CorrectByChromaLine(Line cr, Line cb, const ChromaCorrection& correction, int width,
+                                MutableLine y) {
+  const Sample threshold = correction.threshold;
+  const Sample gainCr = correction.gainCr;
+  const Sample gainCb = correction.gainCb;
+  for (Index x = 0; x < width; ++x) {
+    const Sample excessCr = Max(0, cr[x] - threshold);
+    const Sample excessCb = Max(0, cb[x] - threshold);
+    y[x] = Clipped((2 * y[x] - (excessCr * gainCr + excessCb * gainCb) / 16 + 1) / 2);
+  }
+}
+
+}  // namespace deimg
+
+#endif  // DEIMG_STAGES_LUMA_YMAIN_PROCS_KERNELS_H

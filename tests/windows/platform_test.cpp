@@ -1,0 +1,159 @@
+// The system's side of the library: temporary files, and the message box of a heap that refuses.
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include "platform/platform.h"
+#include "platform/win32/windows_api.h"
+#include "props/diagnostics.h"
+#include "props/props_heap.h"
+#include "storage/file_stream.h"
+#include "storage/stream_calls.h"
+
+// Takes the place of the imported function, so that nothing is shown.
+#if defined(__i386__)
+#define IMPORTED_MESSAGE_BOX "__imp__MessageBoxA@16"
+#else
+#define IMPORTED_MESSAGE_BOX "__imp_MessageBoxA"
+#endif
+
+namespace {
+
+struct Box {
+  int shown = 0;
+  HWND owner = nullptr;
+  std::string text, caption;
+  UINT type = 0;
+} box;
+
+int WINAPI RecordBox(HWND owner, const char* text, const char* caption, UINT type) {
+  box = {box.shown + 1, owner, text, caption, type};
+  return IDOK;
+}
+
+bool heapRefuses = false;
+int failures = 0;
+
+void Check(bool holds, const char* what, int line) {
+  if (holds) return;
+  std::printf("FAIL line %d: %s\n", line, what);
+  ++failures;
+}
+#define CHECK(condition) Check(condition, #condition, __LINE__)
+
+}  // namespace
+
+extern "C" {
+extern int(WINAPI* const importedMessageBox)(HWND, const char*, const char*,
+                                             UINT) __asm__(IMPORTED_MESSAGE_BOX);
+int(WINAPI* const importedMessageBox)(HWND, const char*, const char*, UINT) = RecordBox;
+}
+
+namespace deimg {
+namespace platform {
+
+void* HeapAllocate(std::size_t bytes, bool zeroed) noexcept {
+  return zeroed ? std::calloc(1, bytes) : std::malloc(bytes);
+}
+
+bool HeapRelease(void* allocation) noexcept {
+  std::free(allocation);
+  SetLastError(ERROR_INVALID_PARAMETER);
+  return !heapRefuses;
+}
+
+}  // namespace platform
+
+namespace {
+
+std::string SystemText(DWORD error) {
+  char text[256] = "";
+  FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, error, 0,
+                 text, sizeof(text), nullptr);
+  return text;
+}
+
+void RefusedReleaseShowsOneBox() {
+  heapRefuses = true;
+  const std::uint8_t data[6] = {};
+  { const PropsHandle handle(pxfPsPropsProlog(false, data, sizeof(data))); }
+  heapRefuses = false;
+  CHECK(box.shown == 1);
+  CHECK(box.owner == nullptr);
+  CHECK(box.caption == "COMPL");
+  CHECK(!SystemText(ERROR_INVALID_PARAMETER).empty());
+  CHECK(box.text == "ERROR COMPL: HeapFree () failed.\n" + SystemText(ERROR_INVALID_PARAMETER));
+  CHECK(box.type == (MB_OK | MB_ICONERROR));
+
+  SetLastError(0x2FFFFFFF);  // a code without a text
+  ReportMessage("TAG", 7, "message");
+  CHECK(box.shown == 2);
+  CHECK(box.text == "TAG: message\n");
+  CHECK(box.type == (MB_OK | MB_ICONINFORMATION));
+}
+
+void TemporaryFileIsMadeOnceAndDeleted() {
+  FileStream stream;
+  CHECK(FileStream::MakeTemporary(stream) == DEIMG_OK);
+  const std::string path = stream.path();
+  CHECK(path.find("\\_dv") != std::string::npos);
+  CHECK(platform::CreateNewFile(path.c_str()) == platform::CreateOutcome::kNameTaken);
+
+  CallerStream& s = *stream.get();
+  std::uint32_t position = 0;
+  char read[8] = {};
+  CHECK(Tell(s, position) == DEIMG_FILE_NOT_OPEN);
+  CHECK(Open(s, DEIMG_OPEN_TRUNCATE) == DEIMG_OK);
+  CHECK(Write(s, "hello", 5) == DEIMG_OK);
+  CHECK(Seek(s, DEIMG_SEEK_BEGINNING, -1) == DEIMG_FILE_SEEK);
+  CHECK(Open(s, DEIMG_OPEN_UPDATE) == DEIMG_OK);
+  CHECK(Write(s, "J", 1) == DEIMG_OK);
+  CHECK(Seek(s, DEIMG_SEEK_END, 0) == DEIMG_OK);
+  CHECK(Tell(s, position) == DEIMG_OK && position == 5);
+  CHECK(Open(s, DEIMG_OPEN_READ) == DEIMG_OK);
+  CHECK(Write(s, "x", 1) == DEIMG_FILE_WRITE);
+  CHECK(Read(s, read, 8, position) == DEIMG_OK && position == 5);
+  CHECK(std::strcmp(read, "Jello") == 0);
+  CHECK(Open(s, DEIMG_OPEN_TRUNCATE) == DEIMG_OK);
+  CHECK(Seek(s, DEIMG_SEEK_END, 0) == DEIMG_OK);
+  CHECK(Tell(s, position) == DEIMG_OK && position == 0);
+
+  CHECK(Close(s) == DEIMG_OK);
+  platform::DeleteFile(path.c_str());
+  CHECK(Open(s, DEIMG_OPEN_TRUNCATE) == DEIMG_FILE_NOT_OPEN);  // never made anew
+  CHECK(!platform::FileExists(path.c_str()));
+
+  FileStream second;
+  CHECK(FileStream::MakeTemporary(second) == DEIMG_OK);
+  const std::string secondPath = second.path();
+  CHECK(secondPath != path);
+  CHECK(Open(*second.get(), DEIMG_OPEN_UPDATE) == DEIMG_OK);
+  second.Release();
+  CHECK(!platform::FileExists(secondPath.c_str()));
+}
+
+void NamesAreMadeWithoutFiles() {
+  char directory[MAX_PATH], path[MAX_PATH];
+  CHECK(platform::TemporaryDirectory(directory, sizeof(directory)));
+  CHECK(!platform::TemporaryDirectory(path, 3));
+  for (const std::uint32_t unique : {1u, 0x10000u}) {
+    CHECK(platform::TemporaryFileName(directory, "_dv", unique, path, sizeof(path)));
+    CHECK(!platform::FileExists(path));
+  }
+  CHECK(!platform::TemporaryFileName(directory, "_dv", 1, path, 8));
+  // Only plain files are opened.
+  CHECK(platform::OpenFile(directory, platform::FileMode::kRead, platform::AccessHint::kRandom) ==
+        platform::kInvalidFile);
+}
+
+}  // namespace
+}  // namespace deimg
+
+int main() {
+  deimg::RefusedReleaseShowsOneBox();
+  deimg::TemporaryFileIsMadeOnceAndDeleted();
+  deimg::NamesAreMadeWithoutFiles();
+  std::printf("platform: %d failures\n", failures);
+  return failures != 0;
+}
