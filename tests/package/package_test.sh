@@ -1,0 +1,43 @@
+#!/bin/sh
+# package_test.sh BUILD SAMPLE CC CXX: installs a build into a directory of its own and checks that
+# hosts in C and C++ can be made against it with CMake and with pkg-config, and what they produce.
+set -eu
+build=$1 sample=$2 CC=$3 CXX=$4
+export CC CXX
+hosts=$(cd "$(dirname "$0")" && pwd)/hosts
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+fail() { echo "package: $*" >&2; exit 1; }
+
+DESTDIR= cmake --install "$build" --prefix "$work/prefix" > "$work/log"
+libdir=$(dirname "$(find "$work/prefix" -name 'libdeimg.so')")
+export LD_LIBRARY_PATH="$libdir"
+PATH="$work/prefix/bin:$PATH"
+deimg develop "$sample" -o "$work/wanted.ppm" --progress none
+
+# The only symbol that hosts see, behind a versioned name.
+[ "$(nm -D --defined-only "$libdir/libdeimg.so" | awk '$2 != "A" { print $3 }' | sed 's/@.*//')" \
+  = DEImg_DevelopM480 ] || fail 'the library exports other symbols'
+objdump -p "$libdir/libdeimg.so" | grep -q 'SONAME *libdeimg\.so\.[0-9]' || fail 'no soname version'
+
+cmake -S "$hosts" -B "$work/cmake" -DCMAKE_PREFIX_PATH="$work/prefix" > "$work/log" 2>&1 &&
+  cmake --build "$work/cmake" >> "$work/log" 2>&1 || { cat "$work/log"; fail 'CMake hosts'; }
+
+export PKG_CONFIG_PATH="$libdir/pkgconfig"
+mkdir "$work/pkg-config"
+flags=$(pkg-config --cflags --libs deimg)
+# $flags is a list of words.
+$CC -std=c11 -Wall -Wextra -Werror "$hosts/c_host.c" $flags -o "$work/pkg-config/c_host"
+$CXX -std=c++20 -Wall -Wextra -Werror "$hosts/cpp_host.cpp" $flags -o "$work/pkg-config/cpp_host"
+
+for host in cmake/c_host cmake/c_host_static cmake/cpp_host pkg-config/c_host pkg-config/cpp_host; do
+  "$work/$host" "$sample" > "$work/got.ppm" || fail "$host failed"
+  cmp "$work/got.ppm" "$work/wanted.ppm" || fail "$host made another picture"
+done
+
+# Everything else that belongs to the package.
+cd "$work/prefix"
+for file in share/man/man1/deimg.1.gz share/thumbnailers/deimg.thumbnailer \
+  share/mime/packages/deimg.xml share/bash-completion/completions/deimg; do
+  [ -f "$file" ] || fail "$file is missing"
+done
