@@ -1,7 +1,9 @@
 // Kernels and tables of the luminance path.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <numeric>
+#include <random>
 
 #include "stages/luma/a_filter_main.h"
 #include "stages/luma/apc_curve.h"
@@ -112,25 +114,49 @@ TEST_P(LuminanceKernels, RamenToYmixDetailAndMix) {
   EXPECT_EQ(y, (Samples{256, 4})) << "a line of two samples has edges only";
 }
 
-TEST_P(LuminanceKernels, ApcCurveThreeSegments) {
-  ApcCurve curve;
-  ASSERT_EQ(curve.Build({2, 10, 5, 9, 5, -2, -10, 4}, 8192), DEIMG_OK);
-  const Sample* const t = curve.table();
+/// The curve stated as the table it stands for.
+std::vector<std::int16_t> PlainCurve(const ApcCurveParams& params, int size) {
+  constexpr double kSlopes[] = {0.375, 0.5, 0.625, 0.0, 0.75, 1.0, 1.25, 1.5, 1.75, 2.0, 2.5, 3.0};
+  std::vector<std::int16_t> table(static_cast<std::size_t>(size));
+  const auto fill = [&](int first, int last, int code, double divisor, int offset) {
+    const double slope = code >= 0 && code < 12 ? kSlopes[code] / divisor : 0.0;
+    for (int i = std::max(first, 0); i <= std::min(last, size - 1); ++i) {
+      const auto value = static_cast<std::int16_t>(static_cast<int>((i * slope + offset) * 8));
+      table[static_cast<std::size_t>(i)] = std::max<std::int16_t>(value, 0);
+    }
+  };
+  fill(0, params[0] * 4, params[2], 4, params[5]);
+  fill(params[0] * 4, params[1] * 4, params[3], 4, params[6]);
+  fill(params[1] * 4, size - 1, params[4], 2048, params[7]);
+  return table;
+}
+
+TEST_P(LuminanceKernels, ApcCurve) {
+  const ApcCurveParams example = {2, 10, 5, 9, 5, -2, -10, 4};
+  const std::vector<std::int16_t> t = PlainCurve(example, 8192);
   EXPECT_EQ(t[20], 0);
   EXPECT_EQ(t[21], 4);
   EXPECT_EQ(t[39], 76);
   EXPECT_EQ(t[40], 32) << "the last segment takes the shared entry";
   EXPECT_EQ(t[8191], 63);
-  Samples in = {-33 * 16, 33 * 16 + 15, 15, 300000000, -300000000};
-  in.push_back(INT32_MIN);
-  in.push_back(-15);
-  curve.Apply(*k, 4, 7, in.data());
+  Samples in = {-33 * 16, 33 * 16 + 15, 15, 300000000, -300000000, INT32_MIN, -15};
+  k->apcCurveLine(MakeApcCurve(example, 8192), 4, 7, in.data());
   EXPECT_EQ(in, (Samples{-t[33], t[33], t[0], 63, -63, -63, t[0]}));
 
-  ASSERT_EQ(curve.Build({0, 32767, 3, 3, 11, 1000, 8191, 0}, 100), DEIMG_OK);
-  EXPECT_EQ(curve.table()[0], 0) << "8191 x 8 stored as 16 bits is negative: 0";
-  ASSERT_EQ(curve.Build({-5, -5, 0, 0, 12, 0, 0, 3}, 100), DEIMG_OK);
-  EXPECT_EQ(curve.table()[99], 24) << "an unknown slope is flat";
+  std::mt19937 random(7);
+  for (int n = 0; n < 300; ++n) {
+    ApcCurveParams params;
+    for (std::int16_t& p : params) p = static_cast<std::int16_t>(random());
+    if (n % 2 == 0) params[0] = static_cast<std::int16_t>(random() % 600);
+    if (n % 3 == 0) params[1] = static_cast<std::int16_t>(random() % 3000);
+    for (std::size_t i = 2; i < 5; ++i) params[i] = static_cast<std::int16_t>(random() % 13);
+    const int size = n % 5 == 0 ? 16384 : 8192;
+    const std::vector<std::int16_t> table = PlainCurve(params, size);
+    Samples line(table.size());
+    std::iota(line.begin(), line.end(), 0);
+    k->apcCurveLine(MakeApcCurve(params, size), 0, size, line.data());
+    ASSERT_EQ(line, Samples(table.begin(), table.end())) << n;
+  }
 }
 
 TEST_P(LuminanceKernels, HApcHighPasses) {

@@ -1,8 +1,9 @@
 #include "decode/preview_reduction.h"
 
 #include <algorithm>
-#include <utility>
+#include <array>
 
+#include "graph/kernels.h"
 #include "props/byte_order.h"
 #include "storage/file_stream.h"
 #include "storage/mem_block.h"
@@ -23,32 +24,8 @@ struct Phase {
 };
 constexpr std::array<Phase, 4> kPhases = {{{0, 1}, {0, 0}, {1, 1}, {1, 0}}};
 
-/// Weights of the grid at the positions 0, 0.75, 1.5 and 2.25, in quarters.
-constexpr std::int32_t kWeights[4][4] = {{4, 0, 0, 0}, {1, 3, 0, 0}, {0, 2, 2, 0}, {0, 0, 3, 1}};
-
-/// The grid line at a vertical position, in quarters.
-std::int32_t Weighted(const GridLines& grid, const std::int32_t (&w)[4], std::uint32_t i) {
-  return w[0] * grid[0][i] + w[1] * grid[1][i] + w[2] * grid[2][i] + w[3] * grid[3][i];
-}
-
-/// One row of averages from two vertical positions.
-void ShrinkRow(const GridLines& grid, const std::int32_t (&w0)[4], const std::int32_t (&w1)[4],
-               std::uint32_t cells, std::uint16_t* row) {
-  const auto at = [](const std::int32_t(&v)[4], int position) {
-    const auto& w = kWeights[position];
-    return (w[0] * v[0] + w[1] * v[1] + w[2] * v[2] + w[3] * v[3]) >> 4;
-  };
-  for (std::uint32_t j = 0; j < cells; ++j) {
-    std::int32_t a[4];
-    std::int32_t b[4];
-    for (std::uint32_t c = 0; c < 4; ++c) {
-      a[c] = Weighted(grid, w0, 3 * j + c);
-      b[c] = Weighted(grid, w1, 3 * j + c);
-    }
-    row[2 * j] = static_cast<std::uint16_t>((at(a, 0) + at(a, 1) + at(b, 0) + at(b, 1)) >> 2);
-    row[2 * j + 1] = static_cast<std::uint16_t>((at(a, 2) + at(a, 3) + at(b, 2) + at(b, 3)) >> 2);
-  }
-}
+/// Weights of the grid lines at the positions 0, 0.75, 1.5 and 2.25, in quarters.
+constexpr Sample kWeights[4][4] = {{4, 0, 0, 0}, {1, 3, 0, 0}, {0, 2, 2, 0}, {0, 0, 3, 1}};
 
 /// What the four positions share.
 struct Sizes {
@@ -64,20 +41,23 @@ struct Sizes {
         groups(g.sensorHeight / kGroupLines),
         rowSamples(2 * cells),
         rows(2 * groups) {}
-  std::uint32_t gridSamples() const { return 3 * cells + 1; }
+  /// A grid line, split into every third sample: `cells` + 1 for each third.
+  std::uint32_t thirdSamples() const { return cells + 1; }
+  std::uint32_t gridSamples() const { return 3 * thirdSamples(); }
 };
 
 /// The reduction of one mosaic position.
 class PositionPass {
  public:
-  PositionPass() = default;
+  explicit PositionPass(const Kernels& kernels) : kernels_(kernels) {}
 
   [[nodiscard]] Result Begin(const Sizes& sizes, Phase phase) {
     phase_ = phase;
     // The four lines of a group, and a line of zeros for what lies before the plane.
     grid_ = BlockOf<std::uint16_t>::Zeroed(5ull * sizes.gridSamples());
+    sums_ = BlockOf<Sample>::Zeroed(4ull * sizes.gridSamples());
     rows_ = BlockOf<std::uint16_t>::Uninitialised(2ull * kGroupsAtOnce * sizes.rowSamples);
-    if (!grid_ || !rows_) return DEIMG_OUT_OF_MEMORY;
+    if (!grid_ || !sums_ || !rows_) return DEIMG_OUT_OF_MEMORY;
     const bool made = FileStream::MakeTemporary(file_) == DEIMG_OK &&
                       Open(*file_.get(), DEIMG_OPEN_TRUNCATE) == DEIMG_OK;
     return made ? DEIMG_OK : DEIMG_NO_WORK_FILE;
@@ -87,7 +67,7 @@ class PositionPass {
   [[nodiscard]] Result Shrink(const Sizes& sizes, const std::uint16_t* lines,
                               std::uint32_t available, std::uint32_t groups) {
     for (std::uint32_t k = 0; k < groups; ++k) {
-      GridLines grid;
+      std::array<const std::uint16_t*, 4> grid;
       for (std::uint32_t i = 0; i < 4; ++i) {
         const std::uint32_t line = k * kGroupLines + phase_.line + 2 * i;
         std::uint16_t* const samples = grid_.get() + std::size_t{i} * sizes.gridSamples();
@@ -99,8 +79,7 @@ class PositionPass {
           grid[i] = started_ ? grid[0] : grid_.get() + 4ull * sizes.gridSamples();
         }
       }
-      std::uint16_t* const row = rows_.get() + 2ull * k * sizes.rowSamples;
-      ShrinkGroup(grid, sizes.cells, row, row + sizes.rowSamples);
+      ShrinkGroup(sizes, grid, rows_.get() + 2ull * k * sizes.rowSamples);
       started_ = true;
     }
     return Write(*file_.get(), rows_.get(), 2 * 2 * groups * sizes.rowSamples);
@@ -127,8 +106,8 @@ class PositionPass {
       const std::uint32_t outputs = std::min(kOutputsAtOnce, sizes.groups - 1 - n);
       DEIMG_RETURN_IF_FAILED(ReadRows(sizes, 2 * n - 1, 2 * outputs + 2, block.get()));
       for (std::uint32_t i = 0; i < outputs; ++i) {
-        HalveRows({row(2 * i), row(2 * i + 1), row(2 * i + 2), row(2 * i + 3)}, count,
-                  plane + std::size_t{n + i} * stride);
+        kernels_.halveRow(row(2 * i), row(2 * i + 1), row(2 * i + 2), row(2 * i + 3),
+                          static_cast<int>(count), plane + std::size_t{n + i} * stride);
       }
     }
     return DEIMG_OK;
@@ -140,10 +119,30 @@ class PositionPass {
  private:
   /// The samples of this position on a plane line; the last one stands for those beyond the end.
   void PickPosition(const Sizes& sizes, const std::uint16_t* line, std::uint16_t* samples) const {
-    const std::uint32_t there =
-        std::min((sizes.width - phase_.column + 1) / 2, sizes.gridSamples());
-    for (std::uint32_t i = 0; i < there; ++i) samples[i] = line[phase_.column + 2 * i];
-    for (std::uint32_t i = there; i < sizes.gridSamples(); ++i) samples[i] = samples[there - 1];
+    const std::array<std::uint16_t*, 3> thirds = {samples, samples + sizes.thirdSamples(),
+                                                  samples + 2ull * sizes.thirdSamples()};
+    const std::uint32_t whole = sizes.cells - 1;  // cells whose samples are all there
+    kernels_.splitPositionLine(line + phase_.column, static_cast<int>(whole), thirds[0], thirds[1],
+                               thirds[2]);
+    const std::uint32_t there = (sizes.width - phase_.column + 1) / 2;
+    for (std::uint32_t i = 3 * whole; i <= 3 * sizes.cells; ++i) {
+      thirds[i % 3][i / 3] = line[phase_.column + 2 * std::min(i, there - 1)];
+    }
+  }
+
+  /// Two thirds of a group in each direction: two rows.
+  void ShrinkGroup(const Sizes& sizes, const std::array<const std::uint16_t*, 4>& grid,
+                   std::uint16_t* rows) const {
+    std::array<ShrinkLines, 4> sums;
+    for (std::size_t i = 0; i < 4; ++i) {
+      Sample* const line = sums_.get() + i * sizes.gridSamples();
+      kernels_.weightGridLine(grid[0], grid[1], grid[2], grid[3], kWeights[i],
+                              static_cast<int>(sizes.gridSamples()), line);
+      sums[i] = {{line, line + sizes.thirdSamples(), line + 2ull * sizes.thirdSamples()}};
+    }
+    const int cells = static_cast<int>(sizes.cells);
+    kernels_.shrinkRow(sums[0], sums[1], cells, rows);
+    kernels_.shrinkRow(sums[2], sums[3], cells, rows + sizes.rowSamples);
   }
 
   [[nodiscard]] Result ReadRows(const Sizes& sizes, std::uint32_t first, std::uint32_t count,
@@ -156,9 +155,11 @@ class PositionPass {
     return read ? DEIMG_OK : DEIMG_NO_WORK_FILE;
   }
 
+  const Kernels& kernels_;
   Phase phase_{};
   bool started_ = false;
   BlockOf<std::uint16_t> grid_;
+  BlockOf<Sample> sums_;
   BlockOf<std::uint16_t> rows_;
   FileStream file_;
 };
@@ -217,29 +218,12 @@ void Fold(const ImageGeometry& reduced, std::uint16_t* planes) {
 
 }  // namespace
 
-void ShrinkGroup(const GridLines& grid, std::uint32_t cells, std::uint16_t* row0,
-                 std::uint16_t* row1) {
-  ShrinkRow(grid, kWeights[0], kWeights[1], cells, row0);
-  ShrinkRow(grid, kWeights[2], kWeights[3], cells, row1);
-}
-
-void HalveRows(const std::array<const std::uint16_t*, 4>& rows, std::uint32_t count,
-               std::uint16_t* out) {
-  const auto column = [&](std::uint32_t x) {
-    return rows[0][x] + 3 * rows[1][x] + 3 * rows[2][x] + rows[3][x];
-  };
-  out[0] = static_cast<std::uint16_t>((column(0) + column(1)) >> 4);
-  for (std::uint32_t m = 1; m < count; ++m) {
-    const std::uint32_t x = 2 * m;
-    out[m] = static_cast<std::uint16_t>(
-        (column(x - 1) + 3 * column(x) + 3 * column(x + 1) + column(x + 2)) >> 6);
-  }
-}
-
 Result PreviewReduction(CallerStream& plane, const ImageGeometry& geometry,
                         const ImageGeometry& reduced, std::uint16_t* planes) {
   const Sizes sizes(geometry);
-  std::array<PositionPass, 4> passes;
+  const Kernels& kernels = ChosenKernels();
+  std::array<PositionPass, 4> passes = {PositionPass(kernels), PositionPass(kernels),
+                                        PositionPass(kernels), PositionPass(kernels)};
   for (std::size_t p = 0; p < passes.size(); ++p) {
     DEIMG_RETURN_IF_FAILED(passes[p].Begin(sizes, kPhases[p]));
   }

@@ -2,7 +2,6 @@
 #ifndef DEIMG_DECODE_PREVIEW_REDUCTION_H
 #define DEIMG_DECODE_PREVIEW_REDUCTION_H
 
-#include <array>
 #include <cstdint>
 
 #include "api/result.h"
@@ -23,20 +22,6 @@ namespace deimg {
 ///         is left behind.
 [[nodiscard]] Result PreviewReduction(CallerStream& plane, const ImageGeometry& geometry,
                                       const ImageGeometry& reduced, std::uint16_t* planes);
-
-/// Grid lines of one mosaic position, two plane lines apart: 3 x cells + 1 samples each.
-using GridLines = std::array<const std::uint16_t*, 4>;
-
-/// Two thirds of a group of grid lines in each direction: every 4 x 4 grid gives 4 x 4 values at
-/// the positions 0, 0.75, 1.5 and 2.25 of its steps, every 2 x 2 of those their average. Writes two
-/// rows of 2 x `cells` values.
-void ShrinkGroup(const GridLines& grid, std::uint32_t cells, std::uint16_t* row0,
-                 std::uint16_t* row1);
-
-/// Half of four rows, weights 1 3 3 1 in each direction: `count` values, two columns apart, the
-/// first of them at column 0 from two columns only.
-void HalveRows(const std::array<const std::uint16_t*, 4>& rows, std::uint32_t count,
-               std::uint16_t* out);
 
 }  // namespace deimg
 

@@ -41,6 +41,23 @@ struct ChromaCorrection {
   Sample gainCb;
 };
 
+/// A coring and gain curve: three straight segments over 0 to `last`, meeting at two knees. The
+/// first two are (i x slope + offset) / 4, the third (i x slope + offset) / 2048, each truncated,
+/// cut to 16 bits, and 0 where that is negative. An entry at a knee belongs to the later segment.
+struct ApcSegments {
+  Sample knee1;
+  Sample knee2;
+  Sample last;
+  Sample slope[3];
+  Sample offset[3];
+};
+
+/// A line of grid sums in the preview's reduction, split into every third sample; the first third
+/// has one sample more than the others.
+struct ShrinkLines {
+  const Sample* third[3];
+};
+
 struct Kernels {
   // Source and last stage.
   void (*widenLine)(const std::uint8_t* bytes, int width, MutableLine out);
@@ -94,7 +111,7 @@ struct Kernels {
                         MutableLine mixed, MutableLine enhanced);
   void (*mixLine)(Line r, Line b, const std::int16_t* weights, Sample pedestal, int width,
                   MutableLine y);
-  void (*apcCurveLine)(const Sample* table, Sample last, int shift, int width, MutableLine line);
+  void (*apcCurveLine)(const ApcSegments& curve, int shift, int width, MutableLine line);
   void (*narrowHighPassLine)(Line in, int width, MutableLine out);
   void (*wideHighPassLine)(Line in, int width, MutableLine out);
   void (*verticalHighPass3Line)(Line u2, Line m, Line d2, int width, MutableLine out);
@@ -113,6 +130,16 @@ struct Kernels {
   void (*luminanceToneLine)(const Sample* table, int width, MutableLine y);
   void (*correctByChromaLine)(Line cr, Line cb, const ChromaCorrection& correction, int width,
                               MutableLine y);
+
+  // Preview reduction.
+  void (*splitPositionLine)(const std::uint16_t* line, int cells, std::uint16_t* first,
+                            std::uint16_t* second, std::uint16_t* third);
+  void (*weightGridLine)(const std::uint16_t* g0, const std::uint16_t* g1, const std::uint16_t* g2,
+                         const std::uint16_t* g3, const Sample* weights, int count,
+                         MutableLine out);
+  void (*shrinkRow)(const ShrinkLines& a, const ShrinkLines& b, int cells, std::uint16_t* row);
+  void (*halveRow)(const std::uint16_t* r0, const std::uint16_t* r1, const std::uint16_t* r2,
+                   const std::uint16_t* r3, int count, std::uint16_t* out);
 };
 
 enum class KernelLevel { kBaseline, kAvx2, kAvx512 };

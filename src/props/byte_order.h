@@ -2,6 +2,7 @@
 #ifndef DEIMG_PROPS_BYTE_ORDER_H
 #define DEIMG_PROPS_BYTE_ORDER_H
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -24,6 +25,7 @@ inline std::int16_t LoadS16Little(const std::uint8_t* p) {
 
 /// Turns samples in the machine's byte order into little-endian ones, in place.
 inline void ToLittleEndian(std::uint16_t* samples, std::size_t count) {
+  if constexpr (std::endian::native == std::endian::little) return;
   for (std::size_t i = 0; i < count; ++i) {
     const std::uint8_t bytes[2] = {static_cast<std::uint8_t>(samples[i]),
                                    static_cast<std::uint8_t>(samples[i] >> 8)};

@@ -4,6 +4,7 @@
 // end up in a process that cannot run it: it includes kernels and plain types only.
 #include "graph/kernels.h"
 
+#include "decode/preview_kernels.h"
 #include "graph/output_kernels.h"
 #include "stages/colour/chroma_suppress_kernels.h"
 #include "stages/colour/color_system_proc_kernels.h"
@@ -75,6 +76,10 @@ const Kernels DEIMG_KERNELS = {
     .addDetailsLine = AddDetailsLine,
     .luminanceToneLine = LuminanceToneLine,
     .correctByChromaLine = CorrectByChromaLine,
+    .splitPositionLine = SplitPositionLine,
+    .weightGridLine = WeightGridLine,
+    .shrinkRow = ShrinkRow,
+    .halveRow = HalveRow,
 };
 
 }  // namespace deimg

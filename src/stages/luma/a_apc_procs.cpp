@@ -20,15 +20,13 @@ Result AApcProcs::Run(int first, int last) {
   ComponentX* const detail = LastInput(TypeId::kAFilterMain);
   if (detail == nullptr) return DEIMG_UNSUPPORTED;
   if (settings_.plain() || settings_.quick()) return DEIMG_OK;
-  if (!curve_) {
-    const auto setIndex = settings_.setIndex();
-    if (!setIndex) return DEIMG_UNSUPPORTED;
-    DEIMG_RETURN_IF_FAILED(
-        curve_.Build(tuning_.apcCurve(*setIndex, TuningBlock::ApcCurveId::kA), kCurveSize));
-  }
+  const auto setIndex = settings_.setIndex();
+  if (!setIndex) return DEIMG_UNSUPPORTED;
+  const ApcSegments curve =
+      MakeApcCurve(tuning_.apcCurve(*setIndex, TuningBlock::ApcCurveId::kA), kCurveSize);
   for (int o = first; o <= last; ++o) {
     std::copy_n(detail->GetLine(o, 0), width(), OwnLine(o, 0));
-    curve_.Apply(kernels_, kShift, width(), OwnLine(o, 0));
+    kernels_.apcCurveLine(curve, kShift, width(), OwnLine(o, 0));
   }
   return DEIMG_OK;
 }

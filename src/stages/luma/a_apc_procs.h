@@ -21,7 +21,6 @@ class AApcProcs final : public ComponentX {
   const Kernels& kernels_;
   const DevelopSettings& settings_;
   const TuningBlock tuning_;
-  ApcCurve curve_;
 };
 
 }  // namespace deimg

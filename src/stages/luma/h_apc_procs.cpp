@@ -15,12 +15,6 @@ HApcProcs::HApcProcs(const StageContext& context)
       settings_(context.settings),
       tuning_(context.tuning) {}
 
-Result HApcProcs::BuildCurves(int setIndex) {
-  using Id = TuningBlock::ApcCurveId;
-  DEIMG_RETURN_IF_FAILED(narrow_.Build(tuning_.apcCurve(setIndex, Id::kHNarrow), kCurveSize));
-  return wide_.Build(tuning_.apcCurve(setIndex, Id::kHWide), kCurveSize);
-}
-
 Result HApcProcs::Run(int first, int last) {
   if (settings_.plain() || settings_.quick()) return DEIMG_OK;
   const auto setIndex = settings_.setIndex();
@@ -28,13 +22,15 @@ Result HApcProcs::Run(int first, int last) {
   if (tuning_.hApcLayout(*setIndex) != kLayout) return DEIMG_BAD_TUNING;
   ComponentX* const luminance = LastInput(TypeId::kRamenToYmix);
   if (luminance == nullptr) return DEIMG_MISSING;
-  if (!wide_) DEIMG_RETURN_IF_FAILED(BuildCurves(*setIndex));
+  using Id = TuningBlock::ApcCurveId;
+  const ApcSegments narrow = MakeApcCurve(tuning_.apcCurve(*setIndex, Id::kHNarrow), kCurveSize);
+  const ApcSegments wide = MakeApcCurve(tuning_.apcCurve(*setIndex, Id::kHWide), kCurveSize);
   for (int o = first; o <= last; ++o) {
     const Sample* const in = luminance->GetLine(o, 1);
     kernels_.narrowHighPassLine(in, width(), OwnLine(o, 0));
-    narrow_.Apply(kernels_, kShift, width(), OwnLine(o, 0));
+    kernels_.apcCurveLine(narrow, kShift, width(), OwnLine(o, 0));
     kernels_.wideHighPassLine(in, width(), OwnLine(o, 1));
-    wide_.Apply(kernels_, kShift, width(), OwnLine(o, 1));
+    kernels_.apcCurveLine(wide, kShift, width(), OwnLine(o, 1));
   }
   return DEIMG_OK;
 }

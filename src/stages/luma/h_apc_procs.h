@@ -19,13 +19,9 @@ class HApcProcs final : public ComponentX {
   [[nodiscard]] Result Run(int first, int last) override;
 
  private:
-  [[nodiscard]] Result BuildCurves(int setIndex);
-
   const Kernels& kernels_;
   const DevelopSettings& settings_;
   const TuningBlock tuning_;
-  ApcCurve narrow_;
-  ApcCurve wide_;
 };
 
 }  // namespace deimg

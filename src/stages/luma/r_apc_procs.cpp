@@ -54,10 +54,8 @@ Result RApcProcs::Run(int first, int last) {
   if (mode1 == kVertical20) return DEIMG_UNSUPPORTED;
   const Sample weight = tuning_.rApcBlend(*setIndex);
   if (weight < 0) return DEIMG_BAD_TUNING;
-  if (!curve_) {
-    DEIMG_RETURN_IF_FAILED(
-        curve_.Build(tuning_.apcCurve(*setIndex, TuningBlock::ApcCurveId::kR), kCurveSize));
-  }
+  const ApcSegments curve =
+      MakeApcCurve(tuning_.apcCurve(*setIndex, TuningBlock::ApcCurveId::kR), kCurveSize);
 
   for (int o = first; o <= last; ++o) {
     const SevenLines in = LinesAround(*luminance, o);
@@ -73,7 +71,7 @@ Result RApcProcs::Run(int first, int last) {
     HorizontalPass(kernels_, vertical, mode1, 4, width(), p1);
     kernels_.referenceLine(in, width(), p2);
     kernels_.blendLine(p2, p1, weight, width(), p0);
-    curve_.Apply(kernels_, kShift, width(), p0);
+    kernels_.apcCurveLine(curve, kShift, width(), p0);
   }
   return DEIMG_OK;
 }

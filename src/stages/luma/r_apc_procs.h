@@ -25,7 +25,6 @@ class RApcProcs final : public ComponentX {
   const Kernels& kernels_;
   const DevelopSettings& settings_;
   const TuningBlock tuning_;
-  ApcCurve curve_;
 };
 
 }  // namespace deimg

@@ -26,10 +26,8 @@ Result VApcProcs::Run(int first, int last) {
   ComponentX* const luminance = LastInput(TypeId::kAFilterHokanLpf);
   if (luminance == nullptr) return DEIMG_MISSING;
   if (tuning_.vApcLayout(*setIndex) != kLayout) return DEIMG_BAD_TUNING;
-  if (!curve_) {
-    DEIMG_RETURN_IF_FAILED(
-        curve_.Build(tuning_.apcCurve(*setIndex, TuningBlock::ApcCurveId::kV), kCurveSize));
-  }
+  const ApcSegments curve =
+      MakeApcCurve(tuning_.apcCurve(*setIndex, TuningBlock::ApcCurveId::kV), kCurveSize);
   const int filter = tuning_.vApcFilter(*setIndex);
   for (int o = first; o <= last; ++o) {
     const SevenLines in = LinesAround(*luminance, o);
@@ -44,7 +42,7 @@ Result VApcProcs::Run(int first, int last) {
       std::copy_n(own, width(), detail);
     }
     kernels_.smoothDetailLine(detail, width(), own);
-    curve_.Apply(kernels_, kShift, width(), own);
+    kernels_.apcCurveLine(curve, kShift, width(), own);
   }
   return DEIMG_OK;
 }

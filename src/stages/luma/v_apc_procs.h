@@ -24,7 +24,6 @@ class VApcProcs final : public ComponentX {
   const Kernels& kernels_;
   const DevelopSettings& settings_;
   const TuningBlock tuning_;
-  ApcCurve curve_;
 };
 
 }  // namespace deimg
