@@ -341,8 +341,8 @@ TEST(PointWhiteBalance, SquareIsCutToThePlane) {
 /// The reduction of one position as a formula over the whole plane, stage by stage.
 TEST(PreviewReduction, AgreesWithThePlainFormula) {
   std::mt19937 random(3);
-  for (const auto& [width, height] :
-       {std::pair{48, 12}, {50, 13}, {52, 14}, {54, 15}, {60, 47}, {100, 205}}) {
+  for (const auto& size : {std::pair{48, 12}, {50, 13}, {52, 14}, {54, 15}, {60, 47}, {100, 205}}) {
+    const int width = size.first, height = size.second;
     const ImageGeometry g = GeometryOf(width, height);
     const ImageGeometry r = ReduceGeometry(g);
     std::vector<int> plane(static_cast<std::size_t>(width * height));

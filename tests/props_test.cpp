@@ -104,7 +104,7 @@ Result ReadProps(Bytes file, ImageProps& props) {
 }
 
 TEST(ImageProps, SameInBothByteOrders) {
-  for (const std::uint64_t seed : {1, 2, 3, 4, 5, 6}) {
+  for (std::uint64_t seed = 1; seed <= 6; ++seed) {
     rawfile::RawFile file = rawfile::RandomCamera(seed);
     ImageProps little{};
     ImageProps big{};

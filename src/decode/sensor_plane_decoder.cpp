@@ -74,7 +74,7 @@ class Predictor {
 void MergeLowBits(const std::uint8_t* __restrict lowBits, std::uint32_t count,
                   std::uint16_t* __restrict samples) {
   for (std::uint32_t i = 0; i < count / 4; ++i) {
-    const std::uint32_t bits = lowBits[i];
+    const int bits = lowBits[i];
     std::uint16_t* const four = samples + 4 * std::size_t{i};
     four[0] = static_cast<std::uint16_t>(four[0] << 2 | (bits & 3));
     four[1] = static_cast<std::uint16_t>(four[1] << 2 | (bits >> 2 & 3));

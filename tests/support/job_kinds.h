@@ -55,12 +55,13 @@ inline Outcome RunJob(const JobKind& kind, const std::vector<std::uint8_t>& file
                       const Fault& atOutput = {}) {
   InputStream input(file, atInput);
   OutputStream output(DEIMG_PROGRESS_ALL, atOutput);
+  const std::int64_t liveBefore = FaultScope::Live();
   const FaultScope scope(heap);
   Outcome outcome;
   outcome.result = RunJob(kind, input, output);
   outcome.lines = std::move(output.lines);
   outcome.reports = std::move(output.reports);
-  EXPECT_EQ(FaultScope::Live(), 0);
+  EXPECT_EQ(FaultScope::Live(), liveBefore);
   return outcome;
 }
 

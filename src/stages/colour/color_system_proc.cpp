@@ -7,14 +7,6 @@
 #include "stages/colour/rgb_tone_curve.h"
 
 namespace deimg {
-namespace {
-
-constexpr Sample kLowestChroma = -4096;
-constexpr Sample kHighestChroma = 4095;
-constexpr int kUnsmoothed = 4;  // columns on each side
-
-}  // namespace
-
 void BuildChromaGainTable(const std::array<std::int16_t, 7>& f, Sample* table) {
   const double s1 = -(f[3] / 16.0);
   const double c1 = f[1] - f[2] * s1;
