@@ -1,7 +1,8 @@
-// Prints a digest of every look-up table that is computed with floating point, for comparison
-// between machines: all exposure adjustments, and the curves over their ranges of parameters.
+// Prints a digest of every look-up table and curve, for comparison between machines: all exposure
+// adjustments, and the curves over their ranges of parameters.
 #include <cstdint>
 #include <cstdio>
+#include <numeric>
 #include <vector>
 
 #include "stages/colour/chroma_suppress.h"
@@ -77,11 +78,11 @@ void PrintCurves() {
     params[1] = Random16(0, 255);
     for (std::size_t i = 2; i < 5; ++i) params[i] = Random16(0, 11);
     for (std::size_t i = 5; i < 8; ++i) params[i] = Random16(-300, 300);
-    ApcCurve curve;
-    apc.Add(curve.Build(params, 1024));
-    if (curve) apc.Add(curve.table(), 1024);
-
     std::vector<Sample> table(ChromaSuppress::kCurveSize);
+    std::iota(table.begin(), table.end(), -512);
+    ChosenKernels().apcCurveLine(MakeApcCurve(params, 1024), 0, 1024, table.data());
+    apc.Add(table.data(), 1024);
+
     suppression.Add(BuildSuppressionCurve(
         {RandomU16(64), RandomU16(4), RandomU16(12), RandomU16(12), RandomU16(64), RandomU16(128),
          RandomU16(2), RandomU16(1024), RandomU16(64)},
