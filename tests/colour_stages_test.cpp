@@ -23,14 +23,7 @@ namespace {
 
 using Samples = std::vector<Sample>;
 
-/// Every kernel test runs once per instruction level of this build and this processor.
-class ColourKernels : public ::testing::TestWithParam<KernelLevel> {
- protected:
-  void SetUp() override {
-    if (k == nullptr) GTEST_SKIP() << "this processor does not have the level";
-  }
-  const Kernels* const k = KernelsOf(GetParam());
-};
+class ColourKernels : public testing::KernelTest {};
 INSTANTIATE_TEST_SUITE_P(Levels, ColourKernels, ::testing::ValuesIn(kKernelLevels),
                          testing::LevelName);
 

@@ -21,14 +21,7 @@ namespace {
 
 using Samples = std::vector<Sample>;
 
-/// Every kernel test runs once per instruction level of this build and this processor.
-class LuminanceKernels : public ::testing::TestWithParam<KernelLevel> {
- protected:
-  void SetUp() override {
-    if (k == nullptr) GTEST_SKIP() << "this processor does not have the level";
-  }
-  const Kernels* const k = KernelsOf(GetParam());
-};
+class LuminanceKernels : public testing::KernelTest {};
 INSTANTIATE_TEST_SUITE_P(Levels, LuminanceKernels, ::testing::ValuesIn(kKernelLevels),
                          testing::LevelName);
 

@@ -25,7 +25,7 @@ TEST(SettleParams, WritesDefaultsOnlyIntoAnUnfilledBlock) {
   EXPECT_EQ(params.chromaMedian, -1);
   EXPECT_EQ(params.unused4[1], 0);
   EXPECT_EQ(params.whiteBalance.wbGainsSet, 0);
-  EXPECT_EQ(params.whiteBalance.wbGains[2], 77u) << "the gains stay, but are no longer valid";
+  EXPECT_EQ(+params.whiteBalance.wbGains[2], 77u) << "the gains stay, but are no longer valid";
 
   for (const int preset : {-1, 6}) {
     params.filled = 1;
@@ -36,7 +36,7 @@ TEST(SettleParams, WritesDefaultsOnlyIntoAnUnfilledBlock) {
   }
   params.whiteBalance.wbGainsSet = 2;
   SettleParams(params);
-  EXPECT_EQ(params.whiteBalance.wbGains[2], 0u);
+  EXPECT_EQ(+params.whiteBalance.wbGains[2], 0u);
 }
 
 TEST(SettleSettings, TakesWhatIsRecorded) {
@@ -58,7 +58,7 @@ TEST(SettleSettings, TakesWhatIsRecorded) {
   EXPECT_EQ(settings.wbGains[0], 65535);
   EXPECT_EQ(settings.colourTemperature, 5200);
   EXPECT_EQ(params.whiteBalance.wbGainsSet, 1);
-  EXPECT_EQ(params.whiteBalance.wbGains[0], 65535u);
+  EXPECT_EQ(+params.whiteBalance.wbGains[0], 65535u);
 
   // Gains are there: only the colour temperature is taken by the preset.
   params.wbPreset = -1;

@@ -30,7 +30,7 @@ CodedSize DifferenceTable::Search(std::uint64_t next) const {
   for (std::uint32_t length = kIndexBits + 1; length <= 16; ++length) {
     const auto code = static_cast<std::int32_t>(next >> (64 - length));
     if (static_cast<std::uint32_t>(code) >= limit_[length]) continue;
-    return SizeOf(length, symbols_[static_cast<std::size_t>(code + offset_[length])]);
+    return SizeOf(length, symbols_[static_cast<std::uint32_t>(code + offset_[length])]);
   }
   return {0, 0, CodedSize::kNoCode};
 }

@@ -23,6 +23,15 @@ class KernelScope {
   static int Choices();
 };
 
+/// Tests that run once per instruction level of this build and this processor.
+class KernelTest : public ::testing::TestWithParam<KernelLevel> {
+ protected:
+  void SetUp() override {
+    if (k == nullptr) GTEST_SKIP() << "this processor does not have the level";
+  }
+  const Kernels* const k = KernelsOf(GetParam());
+};
+
 inline std::string LevelName(const ::testing::TestParamInfo<KernelLevel>& info) {
   constexpr const char* kNames[] = {"Baseline", "Avx2", "Avx512"};
   return kNames[static_cast<int>(info.param)];
