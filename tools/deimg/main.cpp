@@ -18,7 +18,9 @@ std::vector<std::string> Words(int argc, char** argv) {
   std::vector<std::string> words;
   for (int i = argc - 1; i > 0; --i) {
     std::string word = argv[i];
-    if (!word.empty() && (word[0] == '[' || word[0] == '{' || word[0] == '%')) word = "./" + word;
+    if (!word.empty() && (word[0] == '[' || word[0] == '{' || word[0] == '%')) {
+      word.insert(0, "./");
+    }
     words.push_back(word);
   }
   return words;  // last word first, as the parser wants them

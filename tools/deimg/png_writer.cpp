@@ -2,6 +2,7 @@
 #include <zlib.h>
 
 #include <cerrno>
+#include <cmath>
 #include <csetjmp>
 #include <deimg/streams.hpp>
 #include <new>
@@ -63,7 +64,7 @@ class PngWriter final : public PictureWriter {
     png_set_IHDR(png, info, header.width, header.height, header.depth, PNG_COLOR_TYPE_RGB,
                  PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
     png_set_sRGB_gAMA_and_cHRM(png, info, PNG_sRGB_INTENT_PERCEPTUAL);
-    const auto perMetre = static_cast<png_uint_32>(header.resolution / kMetresPerInch + 0.5);
+    const auto perMetre = static_cast<png_uint_32>(std::lround(header.resolution / kMetresPerInch));
     png_set_pHYs(png, info, perMetre, perMetre, PNG_RESOLUTION_METER);
     png_text text{};
     text.compression = PNG_TEXT_COMPRESSION_NONE;
