@@ -1,4 +1,4 @@
-/// Kernels of the stage in mosaic_interpolation.h.
+/// Kernels of the bilinear interpolation of the mosaic, shared by the stages that need full planes.
 #ifndef DEIMG_STAGES_COLOUR_MOSAIC_INTERPOLATION_KERNELS_H
 #define DEIMG_STAGES_COLOUR_MOSAIC_INTERPOLATION_KERNELS_H
 
