@@ -85,16 +85,14 @@ TEST_P(ColourKernels, VHDiffActivityDownMinusAlong) {
 /// The planes of the example line, and the roles of the lines for the other parity.
 TEST_P(ColourKernels, MosaicInterpolationFourPlanes) {
   const Samples above = {10, 20, 30, 40}, centre = {50, 60, 70, 80}, below = {90, 100, 110, 120};
-  Samples r(4), gr(4), gb(4), b(4), s0(4), s1(4);
+  Samples r(4), gr(4), gb(4), b(4);
   const PlaneLines planes{r.data(), gr.data(), gb.data(), b.data()};
-  k->interpolateMosaicLine(above.data(), centre.data(), below.data(), false, 4, s0.data(),
-                           s1.data(), planes);
+  k->interpolateMosaicLine(above.data(), centre.data(), below.data(), false, 4, planes);
   EXPECT_EQ(r, (Samples{200, 240, 280, 280}));
   EXPECT_EQ(gr, (Samples{240, 240, 280, 320}));
   EXPECT_EQ(gb, (Samples{200, 240, 280, 280}));
   EXPECT_EQ(b, (Samples{240, 240, 280, 320}));
-  k->interpolateMosaicLine(above.data(), centre.data(), below.data(), true, 4, s0.data(), s1.data(),
-                           planes);
+  k->interpolateMosaicLine(above.data(), centre.data(), below.data(), true, 4, planes);
   EXPECT_EQ(gb, (Samples{200, 240, 280, 280}));
   EXPECT_EQ(r, (Samples{200, 240, 280, 280}));
 

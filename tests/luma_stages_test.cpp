@@ -61,27 +61,42 @@ TEST_P(LuminanceKernels, HorLpfTapsDivisorsAndEdges) {
   EXPECT_EQ(run({0, 0, 80, 0, 0, 0}, {1, 2, 2, 2, 1}, 8), (Samples{0, 0, 20, 20, 0, 0}));
 }
 
-TEST_P(LuminanceKernels, AFilterGainTableAndDirection) {
-  Samples table(AFilterMain::kGainTableSize);
-  BuildAFilterGainTable(4, 16, table.data());
-  EXPECT_EQ(table[15], 0);
-  EXPECT_EQ(table[17], 2);
-  EXPECT_EQ(table[31], 30);
-  EXPECT_EQ(table[32], 32);
-  EXPECT_EQ(table[256], 32);
+/// The gain by the size of the direction measure as a table of 257 entries.
+Samples PlainAFilterGains(int slopeShift, int coreLevel) {
+  Samples table(257, 32);
+  const int step = 256 >> slopeShift;
+  const int end = (step * coreLevel / 8 + 32) * 8 / step;
+  for (int i = 0; i < 256; ++i) {
+    if (i < coreLevel) {
+      table[static_cast<std::size_t>(i)] = 0;
+    } else if (i < end) {
+      table[static_cast<std::size_t>(i)] = (i - coreLevel) * step / 8;
+    }
+  }
+  return table;
+}
+
+TEST_P(LuminanceKernels, AFilterGainAndDirection) {
+  Samples sizes(300), gains(300);
+  std::iota(sizes.begin(), sizes.end(), 0);
+  const Samples zero(300, 0), four(300, 4);
+  for (int slopeShift = 0; slopeShift <= 8; ++slopeShift) {
+    for (const int coreLevel : {0, 1, 7, 16, 100, 250, 255, 256, 257, 65535}) {
+      k->aFilterLine(sizes.data(), zero.data(), zero.data(), four.data(),
+                     MakeAFilterGain(slopeShift, coreLevel), 300, gains.data());
+      const Samples expected = PlainAFilterGains(slopeShift, coreLevel);
+      for (std::size_t i = 0; i < 300; ++i) {
+        ASSERT_EQ(gains[i], expected[std::min<std::size_t>(i, 256)])
+            << slopeShift << " " << coreLevel << " " << i;
+      }
+    }
+  }
 
   const Samples direction = {0, -300, 300, 20, -20}, vertical(5, 10), both(5, 93), hokan(5, 10);
   Samples out(5);
-  k->aFilterLine(direction.data(), vertical.data(), both.data(), hokan.data(), table.data(), 5,
-                 out.data());
+  k->aFilterLine(direction.data(), vertical.data(), both.data(), hokan.data(),
+                 MakeAFilterGain(4, 16), 5, out.data());
   EXPECT_EQ(out, (Samples{0, 40 - 93, 80 - 93, -3, -13}));
-
-  BuildAFilterGainTable(0, 16, table.data());
-  EXPECT_EQ(table[16], 0);
-  EXPECT_EQ(table[17], 32);
-  BuildAFilterGainTable(8, 65535, table.data());
-  EXPECT_EQ(table[255], 0);
-  EXPECT_EQ(table[256], 32);
 }
 
 TEST_P(LuminanceKernels, RamenToYmixDetailAndMix) {
@@ -132,14 +147,18 @@ TEST_P(LuminanceKernels, ApcCurve) {
   EXPECT_EQ(t[39], 76);
   EXPECT_EQ(t[40], 32) << "the last segment takes the shared entry";
   EXPECT_EQ(t[8191], 63);
-  Samples in = {-33 * 16, 33 * 16 + 15, 15, 300000000, -300000000, INT32_MIN, -15};
-  k->apcCurveLine(MakeApcCurve(example, 8192), 4, 7, in.data());
-  EXPECT_EQ(in, (Samples{-t[33], t[33], t[0], 63, -63, -63, t[0]}));
+  const Samples in = {-33 * 16, 33 * 16 + 15, 15, 300000000, -300000000, INT32_MIN, -15};
+  Samples out(7);
+  k->apcCurveLine(in.data(), MakeApcCurve(example, 8192, 4), 7, out.data());
+  EXPECT_EQ(out, (Samples{-t[33], t[33], t[0], 63, -63, -63, t[0]}));
 
   std::mt19937 random(7);
   for (int n = 0; n < 300; ++n) {
     ApcCurveParams params;
     for (std::int16_t& p : params) p = static_cast<std::int16_t>(random());
+    if (n % 4 != 0) {  // a curve that fits in 16 bits
+      for (std::size_t i = 5; i < 8; ++i) params[i] = static_cast<std::int16_t>(random() % 2000);
+    }
     if (n % 2 == 0) params[0] = static_cast<std::int16_t>(random() % 600);
     if (n % 3 == 0) params[1] = static_cast<std::int16_t>(random() % 3000);
     for (std::size_t i = 2; i < 5; ++i) params[i] = static_cast<std::int16_t>(random() % 13);
@@ -147,17 +166,27 @@ TEST_P(LuminanceKernels, ApcCurve) {
     const std::vector<std::int16_t> table = PlainCurve(params, size);
     Samples line(table.size());
     std::iota(line.begin(), line.end(), 0);
-    k->apcCurveLine(MakeApcCurve(params, size), 0, size, line.data());
-    ASSERT_EQ(line, Samples(table.begin(), table.end())) << n;
+    Samples values(table.size());
+    k->apcCurveLine(line.data(), MakeApcCurve(params, size, 0), size, values.data());
+    ASSERT_EQ(values, Samples(table.begin(), table.end())) << n;
   }
 }
+
+/// A curve that leaves magnitudes below 8192 as they are.
+constexpr ApcSegments kIdentity = {.shift = 0,
+                                   .knee1 = 0,
+                                   .knee2 = 0,
+                                   .last = 8191,
+                                   .slope = {0, 0, 2048},
+                                   .offset = {0, 0, 0},
+                                   .overflows = false};
 
 TEST_P(LuminanceKernels, HApcHighPasses) {
   Samples in(9, 0), out(9, 5);
   in[4] = 400;
-  k->narrowHighPassLine(in.data(), 9, out.data());
+  k->narrowHighPassLine(in.data(), kIdentity, 9, out.data());
   EXPECT_EQ(out, (Samples{0, 0, -100, 0, 200, 0, -100, 0, 0}));
-  k->wideHighPassLine(in.data(), 9, out.data());
+  k->wideHighPassLine(in.data(), kIdentity, 9, out.data());
   EXPECT_EQ(out, (Samples{0, 0, 0, -25, 200, -25, 0, 0, 0}));
 }
 
@@ -176,7 +205,7 @@ TEST_P(LuminanceKernels, VApcHighPassesAndSmoothing) {
   Samples in(13, 0);
   in[6] = 160;
   in[0] = in[12] = 7;
-  k->smoothDetailLine(in.data(), 13, out.data());
+  k->smoothDetailLine(in.data(), kIdentity, 13, out.data());
   EXPECT_EQ(out, (Samples{7, 0, 0, 0, 10, 40, 60, 40, 10, 0, 0, 0, 7}));
 }
 
@@ -196,8 +225,9 @@ TEST_P(LuminanceKernels, RApcSmoothingHasAGainOf16) {
   EXPECT_EQ(v, Samples(8, 400));
   k->referenceLine(in, 8, p2.data());
   EXPECT_EQ(p2, Samples(8, 1600));
-  k->blendLine(p2.data(), p1.data(), 3, 8, p0.data());
-  EXPECT_EQ(p0, (Samples{750, 750, 0, 0, 0, 0, 750, 750}));  // 1200 - 150 x 3
+  Samples blend(8);
+  k->blendLine(p2.data(), p0.data(), p1.data(), 3, kIdentity, 8, blend.data());
+  EXPECT_EQ(blend, (Samples{750, 750, 0, 0, 0, 0, 750, 750}));  // 1200 - 150 x 3
 
   const Samples ones(4, 1);
   Samples out(4);
@@ -205,21 +235,65 @@ TEST_P(LuminanceKernels, RApcSmoothingHasAGainOf16) {
   EXPECT_EQ(out, (Samples{4, 4, 4, 10})) << "the last column adds its new neighbour";
 }
 
-TEST(YMain, DetailGainTable) {
-  Samples t(YMainProcs::kGainTableSize);
-  ASSERT_EQ(BuildDetailGainTable({3, 2, 0, 32}, t.data()), DEIMG_OK);
+/// The detail gain by level, in real numbers.
+std::vector<int> PlainDetailGains(const DetailGainParams& params) {
+  constexpr double kRise[] = {0.0, 4.0, 2.0, 1.0};
+  constexpr double kFall[] = {0.0, -1.0, -0.5, -0.25};
+  constexpr int kEnd[] = {1024, 800, 832, 864, 896, 928, 960, 992};
+  const double peak = params.peak, rise = kRise[params.riseCode], fall = kFall[params.fallCode];
+  const int end = kEnd[params.endCode];
+  const int x1 = rise != 0 ? static_cast<int>(peak / rise) : 0;
+  const double intercept = -(end * fall);
+  const int x2 = fall != 0 ? static_cast<int>((peak - intercept) / fall) : 1023;
+  std::vector<int> table;
+  for (int i = 0; i < 1024; ++i) {
+    const double gain = i < x1 ? i * rise : i < x2 ? peak : i < end ? i * fall + intercept : 0.0;
+    table.push_back(static_cast<std::uint16_t>(static_cast<int>(gain * 16)));
+  }
+  return table;
+}
+
+TEST_P(LuminanceKernels, YMainDetailGain) {
+  const auto gains = [&](const DetailGainParams& params) {
+    DetailGain gain{};
+    EXPECT_EQ(MakeDetailGain(params, gain), DEIMG_OK);
+    const Samples zero(8, 0), detail(8, 1024);
+    std::vector<int> values;
+    for (Sample level = 0; level < 1024; ++level) {
+      const Samples y(8, 64 * level);
+      Samples out(8);
+      k->addDetailsLine(y.data(),
+                        {detail.data(), zero.data(), zero.data(), zero.data(), zero.data()}, gain,
+                        8, out.data());
+      EXPECT_EQ(out[0], out[4]);
+      values.push_back(out[4] - 8 * level);
+    }
+    return values;
+  };
+  const auto t = PlainDetailGains({3, 2, 0, 32});
   EXPECT_EQ(t[31], 31 * 16);
-  EXPECT_EQ(t[32], 512);
-  EXPECT_EQ(t[959], 512);
   EXPECT_EQ(t[1000], 192);
   EXPECT_EQ(t[1023], 8);
-  ASSERT_EQ(BuildDetailGainTable({0, 0, 1, 5}, t.data()), DEIMG_OK);
-  EXPECT_EQ(t[0], 80);
-  EXPECT_EQ(t[1022], 80);
-  EXPECT_EQ(t[1023], 0) << "beyond its end";
-  EXPECT_EQ(BuildDetailGainTable({4, 0, 0, 1}, t.data()), DEIMG_UNSUPPORTED);
-  EXPECT_EQ(BuildDetailGainTable({0, 4, 0, 1}, t.data()), DEIMG_UNSUPPORTED);
-  EXPECT_EQ(BuildDetailGainTable({0, 0, 8, 1}, t.data()), DEIMG_UNSUPPORTED);
+  std::mt19937 random(3);
+  for (int n = 0; n < 60; ++n) {
+    DetailGainParams params{
+        static_cast<std::uint16_t>(random() % 4), static_cast<std::uint16_t>(random() % 4),
+        static_cast<std::uint16_t>(random() % 8), static_cast<std::int16_t>(random())};
+    if (n % 2 == 0) params.peak = static_cast<std::int16_t>(random() % 300);
+    const auto expected = PlainDetailGains(params);
+    const auto actual = gains(params);
+    for (int i = 0; i < 1024; ++i) {
+      const auto at = static_cast<std::size_t>(i);
+      ASSERT_EQ(actual[at], std::min(expected[at], 8191 - 8 * i)) << n << " " << i;
+    }
+  }
+}
+
+TEST(YMain, DetailCodes) {
+  DetailGain gain{};
+  EXPECT_EQ(MakeDetailGain({4, 0, 0, 1}, gain), DEIMG_UNSUPPORTED);
+  EXPECT_EQ(MakeDetailGain({0, 4, 0, 1}, gain), DEIMG_UNSUPPORTED);
+  EXPECT_EQ(MakeDetailGain({0, 0, 8, 1}, gain), DEIMG_UNSUPPORTED);
   const Sample scales[3][4] = {{0, 128, 256, -1}, {64, 192, 320, 576}, {512, 640, 768, -1}};
   for (const int a : {-1, 0, 1, 2}) {
     for (int b = 0; b < 5; ++b) {
@@ -234,12 +308,19 @@ TEST(YMain, DetailGainTable) {
 
 TEST_P(LuminanceKernels, YMainDetailsByLevel) {
   const Samples y(12, 6400), zero(12, 0), minus(12, -100);
-  Samples table(1024, 0);
-  table[100] = 128;
-  Samples scratch(12), out(12);
+  // A gain of 1 up to level 100, 0 beyond it.
+  DetailGain gain{.rise = 0,
+                  .riseEnd = 0,
+                  .hold = 128,
+                  .holdEnd = 101,
+                  .fall = 0,
+                  .end = 1024,
+                  .negativeScale = 0};
+  Samples out(12);
   const auto add = [&](const Samples& detail, Sample scale) {
+    gain.negativeScale = scale;
     k->addDetailsLine(y.data(), {zero.data(), zero.data(), detail.data(), zero.data(), zero.data()},
-                      table.data(), scale, 12, scratch.data(), out.data());
+                      gain, 12, out.data());
     return out;
   };
   EXPECT_EQ(add(minus, 512), Samples(12, (6400 - 50) / 8));
@@ -247,20 +328,18 @@ TEST_P(LuminanceKernels, YMainDetailsByLevel) {
   EXPECT_EQ(add(Samples(12, 100000), 0), Samples(12, 8191));
   // Three single-sample levels at the end of the line, two at its start.
   Samples step(12, 0);
-  step[8] = 64 * 100;
-  table.assign(1024, 0);
-  table[100] = 128;
+  step[8] = 64 * 101;
   const Samples detail(12, 80);
   k->addDetailsLine(step.data(),
-                    {detail.data(), zero.data(), zero.data(), zero.data(), zero.data()},
-                    table.data(), 0, 12, scratch.data(), out.data());
-  EXPECT_EQ(out[8], 800) << "the level of column 8 is an average";
+                    {detail.data(), zero.data(), zero.data(), zero.data(), zero.data()}, gain, 12,
+                    out.data());
+  EXPECT_EQ(out[8], 818) << "the level of column 8 is an average";
   step = Samples(12, 0);
-  step[9] = 64 * 100;
+  step[9] = 64 * 101;
   k->addDetailsLine(step.data(),
-                    {detail.data(), zero.data(), zero.data(), zero.data(), zero.data()},
-                    table.data(), 0, 12, scratch.data(), out.data());
-  EXPECT_EQ(out[9], 810) << "that of column 9 is its own";
+                    {detail.data(), zero.data(), zero.data(), zero.data(), zero.data()}, gain, 12,
+                    out.data());
+  EXPECT_EQ(out[9], 808) << "that of column 9 is its own";
 
   const Samples limits = {8191 * 8 + 7, -5, 8192 * 8};
   k->scaleLuminanceLine(limits.data(), 3, out.data());

@@ -3,6 +3,8 @@
 #ifndef DEIMG_GRAPH_KERNEL_MATH_H
 #define DEIMG_GRAPH_KERNEL_MATH_H
 
+#include <cstdint>
+
 #include "graph/line.h"
 
 namespace deimg {
@@ -13,6 +15,13 @@ static inline constexpr Sample Clamp(Sample v, Sample low, Sample high) {
   return Min(Max(v, low), high);
 }
 static inline constexpr Sample Abs(Sample v) { return v < 0 ? -v : v; }
+
+/// `odd` in odd columns, `even` in even ones. Written with a mask, because compilers do not
+/// vectorise every choice by a column's parity, nor well in lanes as wide as an index.
+static inline Sample ByParity(Index x, Sample even, Sample odd) {
+  const Sample oddMask = -static_cast<Sample>(static_cast<std::uint32_t>(x) & 1);
+  return even ^ ((even ^ odd) & oddMask);
+}
 
 }  // namespace deimg
 

@@ -34,6 +34,26 @@ struct DetailLines {
   const Sample* a;
 };
 
+/// The A-filter's gain by the size of the direction measure, in 32nds: 0 up to `core`, then a ramp
+/// of `step` eighths per unit, and full gain from `full` on.
+struct AFilterGain {
+  Sample core;
+  Sample step;
+  Sample full;
+};
+
+/// The gain of the details by brightness level, 128 = 1.0: level x `rise` below `riseEnd`, then
+/// `hold` below `holdEnd`, then `fall` for each level below `end`, and 0.
+struct DetailGain {
+  Sample rise;
+  Sample riseEnd;
+  Sample hold;
+  Sample holdEnd;
+  Sample fall;
+  Sample end;
+  Sample negativeScale;  // of darkening detail, 1024 = 1.0
+};
+
 /// Threshold and gains of the luminance correction by colour difference.
 struct ChromaCorrection {
   Sample threshold;
@@ -41,15 +61,18 @@ struct ChromaCorrection {
   Sample gainCb;
 };
 
-/// A coring and gain curve: three straight segments over 0 to `last`, meeting at two knees. The
-/// first two are (i x slope + offset) / 4, the third (i x slope + offset) / 2048, each truncated,
-/// cut to 16 bits, and 0 where that is negative. An entry at a knee belongs to the later segment.
+/// A coring and gain curve for samples divided by 2 to the power of `shift`: three straight
+/// segments over the magnitudes 0 to `last`, meeting at two knees. A segment is (i x slope +
+/// offset) / 2048, truncated, cut to 16 bits, and 0 where that is negative. An entry at a knee
+/// belongs to the later segment.
 struct ApcSegments {
+  int shift;
   Sample knee1;
   Sample knee2;
   Sample last;
   Sample slope[3];
   Sample offset[3];
+  bool overflows;  // some entry does not fit in 16 bits
 };
 
 /// A line of grid sums in the preview's reduction, split into every third sample; the first third
@@ -75,8 +98,7 @@ struct Kernels {
   void (*spreadEvenColumnsLine)(Line in, int width, MutableLine out);
   void (*spreadOddColumnsLine)(Line in, int width, MutableLine out);
   void (*interpolateMosaicLine)(const Sample* above, const Sample* centre, const Sample* below,
-                                bool oddLine, int width, Sample* scratch0, Sample* scratch1,
-                                const PlaneLines& out);
+                                bool oddLine, int width, const PlaneLines& out);
   void (*exchangeGreensLine)(Line direction, Sample threshold, int width, MutableLine gr,
                              MutableLine gb);
   void (*colourDifferenceLine)(Line direction, Sample threshold, bool choose, Line gr, Line gb,
@@ -106,27 +128,28 @@ struct Kernels {
   void (*horLpfLine)(Line in, const Sample* taps, int tapCount, Sample divisor, int width,
                      MutableLine out);
   void (*aFilterLine)(Line direction, Line vertical, Line both, Line horizontal,
-                      const Sample* gains, int width, MutableLine out);
+                      const AFilterGain& gain, int width, MutableLine out);
   void (*addDetailLine)(Line luminance, Line detail, Sample gain, Sample mixGain, int width,
                         MutableLine mixed, MutableLine enhanced);
   void (*mixLine)(Line r, Line b, const std::int16_t* weights, Sample pedestal, int width,
                   MutableLine y);
-  void (*apcCurveLine)(const ApcSegments& curve, int shift, int width, MutableLine line);
-  void (*narrowHighPassLine)(Line in, int width, MutableLine out);
-  void (*wideHighPassLine)(Line in, int width, MutableLine out);
+  void (*apcCurveLine)(Line in, const ApcSegments& curve, int width, MutableLine out);
+  void (*narrowHighPassLine)(Line in, const ApcSegments& curve, int width, MutableLine out);
+  void (*wideHighPassLine)(Line in, const ApcSegments& curve, int width, MutableLine out);
   void (*verticalHighPass3Line)(Line u2, Line m, Line d2, int width, MutableLine out);
   void (*verticalHighPass7Line)(const SevenLines& in, int width, MutableLine out);
-  void (*smoothDetailLine)(Line in, int width, MutableLine out);
+  void (*smoothDetailLine)(Line in, const ApcSegments& curve, int width, MutableLine out);
   void (*verticalSmooth5Line)(const SevenLines& in, int width, MutableLine out);
   void (*verticalSmooth7Line)(const SevenLines& in, const Sample* taps, int width, MutableLine out);
   void (*horizontalSmooth121Line)(Line in, int width, MutableLine out);
   void (*horizontalSmooth5Line)(Line in, Sample centre, Sample far, Sample border, int width,
                                 MutableLine out);
   void (*referenceLine)(const SevenLines& in, int width, MutableLine out);
-  void (*blendLine)(Line reference, Line smooth1, Sample weight, int width, MutableLine smooth0);
+  void (*blendLine)(Line reference, Line smooth0, Line smooth1, Sample weight,
+                    const ApcSegments& curve, int width, MutableLine out);
   void (*scaleLuminanceLine)(Line y, int width, MutableLine out);
-  void (*addDetailsLine)(Line y, const DetailLines& details, const Sample* gainTable,
-                         Sample negativeScale, int width, MutableLine scratch, MutableLine out);
+  void (*addDetailsLine)(Line y, const DetailLines& details, const DetailGain& gain, int width,
+                         MutableLine out);
   void (*luminanceToneLine)(const Sample* table, int width, MutableLine y);
   void (*correctByChromaLine)(Line cr, Line cb, const ChromaCorrection& correction, int width,
                               MutableLine y);

@@ -9,7 +9,6 @@
 #include "stages/colour/color_system_proc.h"
 #include "stages/colour/white_balance.h"
 #include "stages/luma/apc_curve.h"
-#include "stages/luma/ymain_procs.h"
 #if defined(_WIN32) && defined(__i386__)
 #include <float.h>
 #endif
@@ -71,7 +70,7 @@ void PrintExposure() {
 }
 
 void PrintCurves() {
-  Digest apc, suppression, gain, detail;
+  Digest apc, suppression, gain;
   for (int round = 0; round < kRounds; ++round) {
     ApcCurveParams params{};
     params[0] = Random16(0, 255);
@@ -80,8 +79,9 @@ void PrintCurves() {
     for (std::size_t i = 5; i < 8; ++i) params[i] = Random16(-300, 300);
     std::vector<Sample> table(ChromaSuppress::kCurveSize);
     std::iota(table.begin(), table.end(), -512);
-    ChosenKernels().apcCurveLine(MakeApcCurve(params, 1024), 0, 1024, table.data());
-    apc.Add(table.data(), 1024);
+    std::vector<Sample> curve(table.size());
+    ChosenKernels().apcCurveLine(table.data(), MakeApcCurve(params, 1024, 0), 1024, curve.data());
+    apc.Add(curve.data(), 1024);
 
     suppression.Add(BuildSuppressionCurve(
         {RandomU16(64), RandomU16(4), RandomU16(12), RandomU16(12), RandomU16(64), RandomU16(128),
@@ -93,15 +93,10 @@ void PrintCurves() {
                           Random16(-64, 64), Random16(0, 255), Random16(-64, 64)},
                          table.data());
     gain.Add(table.data(), ColorSystemProc::kChromaGainTableSize);
-
-    detail.Add(BuildDetailGainTable({RandomU16(4), RandomU16(4), RandomU16(8), Random16(0, 255)},
-                                    table.data()));
-    detail.Add(table.data(), YMainProcs::kGainTableSize);
   }
   apc.Print("aperture", kRounds);
   suppression.Print("suppression", kRounds);
   gain.Print("chroma-gain", kRounds);
-  detail.Print("detail-gain", kRounds);
 }
 
 }  // namespace

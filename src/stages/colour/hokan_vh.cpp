@@ -3,7 +3,7 @@
 namespace deimg {
 
 HokanVH::HokanVH(const StageContext& context)
-    : ComponentX(InfoOf(TypeId::kHokanVH), context.width, context.height, 4, 2),
+    : ComponentX(InfoOf(TypeId::kHokanVH), context.width, context.height, 4),
       kernels_(context.kernels),
       settings_(context.settings),
       tuning_(context.tuning) {}
@@ -18,8 +18,7 @@ Result HokanVH::Run(int first, int last) {
   for (int o = first; o <= last; ++o) {
     const PlaneLines out{OwnLine(o, 0), OwnLine(o, 1), OwnLine(o, 2), OwnLine(o, 3)};
     kernels_.interpolateMosaicLine(mosaic->GetLine(o - 1, 0), mosaic->GetLine(o, 0),
-                                   mosaic->GetLine(o + 1, 0), IsOddAt(o), width(), Scratch(0),
-                                   Scratch(1), out);
+                                   mosaic->GetLine(o + 1, 0), IsOddAt(o), width(), out);
     kernels_.exchangeGreensLine(direction->GetLine(o, 0), threshold, width(), out.gr, out.gb);
   }
   return DEIMG_OK;

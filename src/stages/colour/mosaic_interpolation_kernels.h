@@ -8,44 +8,66 @@
 
 namespace deimg {
 
-static void DoubleLine(Line in, int width, MutableLine out) {
-  for (Index x = 0; x < width; ++x) out[x] = 2 * in[x];
-}
-
-static void AddLines(Line a, Line b, int width, MutableLine out) {
-  for (Index x = 0; x < width; ++x) out[x] = a[x] + b[x];
-}
-
 /// Fills a line from the samples of its even (odd) columns: they are doubled, the columns between
 /// get the sum of both neighbours; at the end of the line the one neighbour counts twice. The
 /// output has twice the scale of the input. `width` is even.
 static void SpreadEvenColumnsLine(Line in, int width, MutableLine out) {
-  for (Index x = 1; x < width - 1; ++x) out[x] = x % 2 == 0 ? 2 * in[x] : in[x - 1] + in[x + 1];
+  for (Index x = 1; x < width - 1; ++x) {
+    out[x] = ByParity(x, 2 * in[x], in[x - 1] + in[x + 1]);
+  }
   out[0] = 2 * in[0];
   out[width - 1] = 2 * in[width - 2];
 }
 
 static void SpreadOddColumnsLine(Line in, int width, MutableLine out) {
-  for (Index x = 1; x < width - 1; ++x) out[x] = x % 2 != 0 ? 2 * in[x] : in[x - 1] + in[x + 1];
+  for (Index x = 1; x < width - 1; ++x) {
+    out[x] = ByParity(x, in[x - 1] + in[x + 1], 2 * in[x]);
+  }
   out[0] = 2 * in[1];
   out[width - 1] = 2 * in[width - 1];
 }
 
-/// Interpolates one line of the mosaic into four planes at four times its scale; `above`, `centre`
-/// and `below` are mosaic lines. First down the columns: colours of the line itself are doubled,
-/// those of its neighbours added; then along the line. The two scratch lines hold the first step.
+/// The planes of the two colours on the line itself: of its even and of its odd columns.
+static void InterpolateOwnColoursLine(Line centre, int width, MutableLine even, MutableLine odd) {
+  for (Index x = 1; x < width - 1; ++x) {
+    const Sample here = 4 * centre[x];
+    const Sample beside = 2 * (centre[x - 1] + centre[x + 1]);
+    even[x] = ByParity(x, here, beside);
+    odd[x] = ByParity(x, beside, here);
+  }
+  even[0] = 4 * centre[0];
+  odd[0] = 4 * centre[1];
+  even[width - 1] = 4 * centre[width - 2];
+  odd[width - 1] = 4 * centre[width - 1];
+}
+
+/// The planes of the two colours that the lines above and below have.
+static void InterpolateOtherColoursLine(Line above, Line below, int width, MutableLine even,
+                                        MutableLine odd) {
+  for (Index x = 1; x < width - 1; ++x) {
+    const Sample here = 2 * (above[x] + below[x]);
+    const Sample beside = above[x - 1] + below[x - 1] + above[x + 1] + below[x + 1];
+    even[x] = ByParity(x, here, beside);
+    odd[x] = ByParity(x, beside, here);
+  }
+  even[0] = 2 * (above[0] + below[0]);
+  odd[0] = 2 * (above[1] + below[1]);
+  even[width - 1] = 2 * (above[width - 2] + below[width - 2]);
+  odd[width - 1] = 2 * (above[width - 1] + below[width - 1]);
+}
+
+/// Interpolates one line of the mosaic bilinearly into four planes at four times its scale;
+/// `above`, `centre` and `below` are mosaic lines.
 static void InterpolateMosaicLine(const Sample* above, const Sample* centre, const Sample* below,
-                                  bool oddLine, int width, Sample* scratch0, Sample* scratch1,
-                                  const PlaneLines& out) {
-  // Red lines hold red and Gr; the lines around them Gb and blue. For blue lines it is the reverse.
-  Sample* const redLines = scratch0;
-  Sample* const blueLines = scratch1;
-  DoubleLine(centre, width, oddLine ? blueLines : redLines);
-  AddLines(above, below, width, oddLine ? redLines : blueLines);
-  SpreadEvenColumnsLine(redLines, width, out.r);
-  SpreadOddColumnsLine(redLines, width, out.gr);
-  SpreadEvenColumnsLine(blueLines, width, out.gb);
-  SpreadOddColumnsLine(blueLines, width, out.b);
+                                  bool oddLine, int width, const PlaneLines& out) {
+  // Red lines hold red and Gr, blue lines Gb and blue.
+  if (oddLine) {
+    InterpolateOwnColoursLine(centre, width, out.gb, out.b);
+    InterpolateOtherColoursLine(above, below, width, out.r, out.gr);
+  } else {
+    InterpolateOwnColoursLine(centre, width, out.r, out.gr);
+    InterpolateOtherColoursLine(above, below, width, out.gb, out.b);
+  }
 }
 
 }  // namespace deimg

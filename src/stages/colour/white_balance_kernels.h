@@ -16,7 +16,7 @@ static constexpr Sample kHighestRawSample = 4095;
 static void WhiteBalanceLine(Line in, int width, Sample evenGain, Sample oddGain, Sample clipLevel,
                              MutableLine out) {
   for (Index x = 0; x < width; ++x) {
-    const Sample gain = x % 2 == 0 ? evenGain : oddGain;
+    const Sample gain = ByParity(x, evenGain, oddGain);
     out[x] = Min(in[x] * gain / kGainOne + kPedestal, clipLevel);
   }
 }

@@ -1,7 +1,5 @@
 #include "stages/luma/a_apc_procs.h"
 
-#include <algorithm>
-
 namespace deimg {
 namespace {
 
@@ -23,10 +21,9 @@ Result AApcProcs::Run(int first, int last) {
   const auto setIndex = settings_.setIndex();
   if (!setIndex) return DEIMG_UNSUPPORTED;
   const ApcSegments curve =
-      MakeApcCurve(tuning_.apcCurve(*setIndex, TuningBlock::ApcCurveId::kA), kCurveSize);
+      MakeApcCurve(tuning_.apcCurve(*setIndex, TuningBlock::ApcCurveId::kA), kCurveSize, kShift);
   for (int o = first; o <= last; ++o) {
-    std::copy_n(detail->GetLine(o, 0), width(), OwnLine(o, 0));
-    kernels_.apcCurveLine(curve, kShift, width(), OwnLine(o, 0));
+    kernels_.apcCurveLine(detail->GetLine(o, 0), curve, width(), OwnLine(o, 0));
   }
   return DEIMG_OK;
 }

@@ -7,22 +7,15 @@ namespace deimg {
 namespace {
 
 constexpr Sample kFullGain = 32;
+constexpr Sample kLargestSize = 256;
 constexpr int kSteepestShift = 8;
 
 }  // namespace
 
-void BuildAFilterGainTable(int slopeShift, int coreLevel, Sample* table) {
-  constexpr int kEntries = AFilterMain::kGainTableSize - 1;
-  const int step = 256 >> slopeShift;
-  const int end = (step * coreLevel / 8 + kFullGain) * 8 / step;
-  for (int i = 0; i < kEntries; ++i) {
-    if (i < coreLevel) {
-      table[i] = 0;
-    } else {
-      table[i] = i < end ? (i - coreLevel) * step / 8 : kFullGain;
-    }
-  }
-  table[kEntries] = kFullGain;
+AFilterGain MakeAFilterGain(int slopeShift, int coreLevel) {
+  const Sample step = 256 >> slopeShift;
+  const Sample rampEnd = (step * coreLevel / 8 + kFullGain) * 8 / step;
+  return {.core = coreLevel, .step = step, .full = std::min(rampEnd, kLargestSize)};
 }
 
 AFilterMain::AFilterMain(const StageContext& context)
@@ -30,17 +23,6 @@ AFilterMain::AFilterMain(const StageContext& context)
       kernels_(context.kernels),
       settings_(context.settings),
       tuning_(context.tuning) {}
-
-Result AFilterMain::BuildGainTable() {
-  const auto setIndex = settings_.setIndex();
-  if (!setIndex) return DEIMG_UNSUPPORTED;
-  const int slopeShift = tuning_.aFilterSlopeShift(*setIndex);
-  if (slopeShift > kSteepestShift) return DEIMG_UNSUPPORTED;
-  gainTable_ = BlockOf<Sample>::Zeroed(kGainTableSize);
-  if (!gainTable_) return DEIMG_OUT_OF_MEMORY;
-  BuildAFilterGainTable(slopeShift, tuning_.aFilterCoreLevel(*setIndex), gainTable_.get());
-  return DEIMG_OK;
-}
 
 Result AFilterMain::Run(int first, int last) {
   ComponentX* direction = nullptr;
@@ -70,10 +52,14 @@ Result AFilterMain::Run(int first, int last) {
   if (direction == nullptr || vertical == nullptr || both == nullptr || horizontal == nullptr) {
     return DEIMG_UNSUPPORTED;
   }
-  if (!gainTable_) DEIMG_RETURN_IF_FAILED(BuildGainTable());
+  const auto setIndex = settings_.setIndex();
+  if (!setIndex) return DEIMG_UNSUPPORTED;
+  const int slopeShift = tuning_.aFilterSlopeShift(*setIndex);
+  if (slopeShift > kSteepestShift) return DEIMG_UNSUPPORTED;
+  const AFilterGain gain = MakeAFilterGain(slopeShift, tuning_.aFilterCoreLevel(*setIndex));
   for (int o = first; o <= last; ++o) {
     kernels_.aFilterLine(direction->GetLine(o, 0), vertical->GetLine(o, 0), both->GetLine(o, 0),
-                         horizontal->GetLine(o, 0), gainTable_.get(), width(), OwnLine(o, 0));
+                         horizontal->GetLine(o, 0), gain, width(), OwnLine(o, 0));
   }
   return DEIMG_OK;
 }

@@ -4,7 +4,6 @@
 
 #include "graph/component.h"
 #include "graph/stage_context.h"
-#include "storage/mem_block.h"
 
 namespace deimg {
 
@@ -16,25 +15,19 @@ namespace deimg {
 /// Output: port 0, signed detail, 16 x.
 class AFilterMain final : public ComponentX {
  public:
-  /// Entries of the gain table; the last one serves every larger direction measure.
-  static constexpr int kGainTableSize = 257;
-
   explicit AFilterMain(const StageContext& context);
 
   [[nodiscard]] Result Run(int first, int last) override;
 
  private:
-  [[nodiscard]] Result BuildGainTable();
-
   const Kernels& kernels_;
   const DevelopSettings& settings_;
   const TuningBlock tuning_;
-  BlockOf<Sample> gainTable_;  // 32nds, by the size of the direction measure
 };
 
-/// Fills the gain table: 0 below `coreLevel`, then a ramp of 256 >> `slopeShift` eighths per unit,
-/// then 32. `slopeShift` is 0 to 8.
-void BuildAFilterGainTable(int slopeShift, int coreLevel, Sample* table);
+/// The gain: 0 below `coreLevel`, then a ramp of 256 >> `slopeShift` eighths per unit, then 32, and
+/// always 32 from a direction measure of 256 on. `slopeShift` is 0 to 8.
+[[nodiscard]] AFilterGain MakeAFilterGain(int slopeShift, int coreLevel);
 
 }  // namespace deimg
 

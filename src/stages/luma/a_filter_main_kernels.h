@@ -7,15 +7,19 @@
 
 namespace deimg {
 
+static constexpr Sample kFullAFilterGain = 32;
+static constexpr Sample kLargestAFilterSize = 256;  // always full gain
+
 /// One line.
 static void AFilterLine(Line direction, Line vertical, Line both, Line horizontal,
-                        const Sample* gains, int width, MutableLine out) {
-  constexpr Sample kLast = 256;
+                        const AFilterGain& gain, int width, MutableLine out) {
+  const Sample core = gain.core, step = gain.step, full = gain.full;
   for (Index x = 0; x < width; ++x) {
     const Sample d = direction[x];
-    const Sample magnitude = Abs(d);
+    const Sample size = Clamp(Abs(d), 0, kLargestAFilterSize);
+    const Sample g = size < full ? (Max(size - core, 0) * step) >> 3 : kFullAFilterGain;
     const Sample smoothed = d < 0 ? 4 * vertical[x] : 8 * horizontal[x];
-    out[x] = (smoothed - both[x]) * gains[Clamp(magnitude, 0, kLast)] / 32;
+    out[x] = (smoothed - both[x]) * g / 32;
   }
 }
 

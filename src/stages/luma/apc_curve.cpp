@@ -9,16 +9,27 @@ Sample SlopeOf(std::int16_t code) {
   return code >= 0 && code < 12 ? kSlopes[code] : 0;
 }
 
+bool FitsIn16Bits(Sample value) { return static_cast<std::int16_t>(value) == value; }
+
 }  // namespace
 
-ApcSegments MakeApcCurve(const ApcCurveParams& params, int size) {
+ApcSegments MakeApcCurve(const ApcCurveParams& params, int size, int shift) {
   // With slope s in eighths, the first two segments are (i x s / 32 + offset) x 8, the third
   // (i x s / 16384 + offset) x 8.
-  return {.knee1 = params[0] * 4,
-          .knee2 = params[1] * 4,
-          .last = size - 1,
-          .slope = {SlopeOf(params[2]), SlopeOf(params[3]), SlopeOf(params[4])},
-          .offset = {params[5] * 32, params[6] * 32, params[7] * 16384}};
+  ApcSegments curve{
+      .shift = shift,
+      .knee1 = params[0] * 4,
+      .knee2 = params[1] * 4,
+      .last = size - 1,
+      .slope = {512 * SlopeOf(params[2]), 512 * SlopeOf(params[3]), SlopeOf(params[4])},
+      .offset = {params[5] * 16384, params[6] * 16384, params[7] * 16384},
+      .overflows = false};
+  for (int i = 0; i < 3; ++i) {
+    const Sample lowest = curve.offset[i] / 2048;
+    const Sample highest = (curve.last * curve.slope[i] + curve.offset[i]) / 2048;
+    curve.overflows = curve.overflows || !FitsIn16Bits(lowest) || !FitsIn16Bits(highest);
+  }
+  return curve;
 }
 
 }  // namespace deimg

@@ -10,8 +10,9 @@ namespace deimg {
 /// Eight words: knee1, knee2 (in units of 4), three slope codes, three offsets.
 using ApcCurveParams = TuningBlock::Words<8>;
 
-/// The curve of these parameters over the magnitudes 0 to `size` - 1. The sign of a sample is kept.
-[[nodiscard]] ApcSegments MakeApcCurve(const ApcCurveParams& params, int size);
+/// The curve of these parameters over the magnitudes 0 to `size` - 1 of samples divided by 2 to the
+/// power of `shift`. The sign of a sample is kept.
+[[nodiscard]] ApcSegments MakeApcCurve(const ApcCurveParams& params, int size, int shift);
 
 }  // namespace deimg
 

@@ -1,4 +1,4 @@
-/// Kernel of the curve in apc_curve.h.
+/// The curve in apc_curve.h, as the kernels of the aperture corrections apply it.
 #ifndef DEIMG_STAGES_LUMA_APC_CURVE_KERNELS_H
 #define DEIMG_STAGES_LUMA_APC_CURVE_KERNELS_H
 
@@ -10,23 +10,40 @@
 
 namespace deimg {
 
-/// In place: maps the magnitudes of a line of samples, divided by 2 to the power of `shift` and
-/// clamped, through the curve's three segments, and keeps the signs of the quotients. Computing the
-/// curve costs half of what looking it up in a table of 32 KB does.
-static void ApcCurveLine(const ApcSegments& curve, int shift, int width, MutableLine line) {
-  const Sample knee1 = curve.knee1, knee2 = curve.knee2, last = curve.last;
-  const Sample q1 = curve.slope[0], q2 = curve.slope[1], q3 = curve.slope[2];
-  const Sample c1 = curve.offset[0], c2 = curve.offset[1], c3 = curve.offset[2];
-  for (Index x = 0; x < width; ++x) {
-    // The smallest integer has no positive counterpart; the one above it is clamped like it.
-    const Sample v = Max(line[x], -2147483647);
-    const Sample quotient = Abs(v) >> shift;
-    const Sample i = Min(quotient, last);
-    const Sample steep = (i < knee1 ? i * q1 + c1 : i * q2 + c2) / 4;
-    const Sample value = i < knee2 ? steep : (i * q3 + c3) / 2048;
-    const Sample magnitude = Max(static_cast<std::int16_t>(value), 0);
-    line[x] = v < 0 && quotient != 0 ? -magnitude : magnitude;
+/// Maps the magnitude of a sample through the curve and keeps the sign of its quotient. Computing
+/// the segments costs half of looking them up in a table of 32 KB.
+template <bool overflows>
+static inline Sample ApcCurve(const ApcSegments& curve, Sample sample) {
+  // The smallest integer has no positive counterpart; the one above it is clamped like it.
+  const Sample v = Max(sample, -2147483647);
+  const Sample i = Min(Abs(v) >> curve.shift, curve.last);
+  const bool first = i < curve.knee1;
+  const bool third = i >= curve.knee2;
+  const Sample slope = third ? curve.slope[2] : first ? curve.slope[0] : curve.slope[1];
+  const Sample offset = third ? curve.offset[2] : first ? curve.offset[0] : curve.offset[1];
+  const Sample value = i * slope + offset;
+  const Sample magnitude =
+      overflows ? Max(static_cast<std::int16_t>(value / 2048), 0) : Max(value, 0) >> 11;
+  const Sample leastNegative = -(1 << curve.shift);  // whose quotient is not zero
+  return v <= leastNegative ? -magnitude : magnitude;
+}
+
+/// out[x] = curve(detail(x)) for the columns from `first` to before `end`.
+template <typename Detail>
+static inline void ApcCurveColumns(const ApcSegments& segments, Index first, Index end,
+                                   Detail detail, MutableLine out) {
+  const ApcSegments curve = segments;
+  if (curve.overflows) {
+    for (Index x = first; x < end; ++x) out[x] = ApcCurve<true>(curve, detail(x));
+  } else {
+    for (Index x = first; x < end; ++x) out[x] = ApcCurve<false>(curve, detail(x));
   }
+}
+
+/// The curve of a line.
+static void ApcCurveLine(Line in, const ApcSegments& curve, int width, MutableLine out) {
+  ApcCurveColumns(
+      curve, 0, width, [&](Index x) { return in[x]; }, out);
 }
 
 }  // namespace deimg

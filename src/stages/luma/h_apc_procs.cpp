@@ -23,14 +23,14 @@ Result HApcProcs::Run(int first, int last) {
   ComponentX* const luminance = LastInput(TypeId::kRamenToYmix);
   if (luminance == nullptr) return DEIMG_MISSING;
   using Id = TuningBlock::ApcCurveId;
-  const ApcSegments narrow = MakeApcCurve(tuning_.apcCurve(*setIndex, Id::kHNarrow), kCurveSize);
-  const ApcSegments wide = MakeApcCurve(tuning_.apcCurve(*setIndex, Id::kHWide), kCurveSize);
+  const ApcSegments narrow =
+      MakeApcCurve(tuning_.apcCurve(*setIndex, Id::kHNarrow), kCurveSize, kShift);
+  const ApcSegments wide =
+      MakeApcCurve(tuning_.apcCurve(*setIndex, Id::kHWide), kCurveSize, kShift);
   for (int o = first; o <= last; ++o) {
     const Sample* const in = luminance->GetLine(o, 1);
-    kernels_.narrowHighPassLine(in, width(), OwnLine(o, 0));
-    kernels_.apcCurveLine(narrow, kShift, width(), OwnLine(o, 0));
-    kernels_.wideHighPassLine(in, width(), OwnLine(o, 1));
-    kernels_.apcCurveLine(wide, kShift, width(), OwnLine(o, 1));
+    kernels_.narrowHighPassLine(in, narrow, width(), OwnLine(o, 0));
+    kernels_.wideHighPassLine(in, wide, width(), OwnLine(o, 1));
   }
   return DEIMG_OK;
 }

@@ -4,23 +4,32 @@
 
 #include "graph/kernel_math.h"
 #include "graph/line.h"
+#include "stages/luma/apc_curve_kernels.h"
 
 namespace deimg {
 
-/// High-passes (-1, 0, 2, 0, -1) / 4 and (1, -4, -1, 8, -1, -4, 1) / 16; the columns without all
-/// neighbours are 0.
-static void NarrowHighPassLine(Line in, int width, MutableLine out) {
-  out[0] = out[1] = out[width - 2] = out[width - 1] = 0;
-  for (Index x = 2; x < width - 2; ++x) out[x] = (2 * in[x] - in[x - 2] - in[x + 2]) / 4;
+/// The curves of the high-passes (-1, 0, 2, 0, -1) / 4 and (1, -4, -1, 8, -1, -4, 1) / 16, which
+/// are 0 in the columns without all neighbours.
+static void NarrowHighPassLine(Line in, const ApcSegments& curve, int width, MutableLine out) {
+  const auto zero = [](Index) { return Sample{0}; };
+  ApcCurveColumns(curve, 0, 2, zero, out);
+  ApcCurveColumns(
+      curve, 2, width - 2, [&](Index x) { return (2 * in[x] - in[x - 2] - in[x + 2]) / 4; }, out);
+  ApcCurveColumns(curve, width - 2, width, zero, out);
 }
 
-static void WideHighPassLine(Line in, int width, MutableLine out) {
-  for (Index x = 0; x < 3; ++x) out[x] = out[width - 1 - x] = 0;
-  for (Index x = 3; x < width - 3; ++x) {
-    out[x] = (8 * in[x] - (in[x - 1] + in[x + 1]) - 4 * (in[x - 2] + in[x + 2]) +
-              (in[x - 3] + in[x + 3])) /
-             16;
-  }
+static void WideHighPassLine(Line in, const ApcSegments& curve, int width, MutableLine out) {
+  const auto zero = [](Index) { return Sample{0}; };
+  ApcCurveColumns(curve, 0, 3, zero, out);
+  ApcCurveColumns(
+      curve, 3, width - 3,
+      [&](Index x) {
+        return (8 * in[x] - (in[x - 1] + in[x + 1]) - 4 * (in[x - 2] + in[x + 2]) +
+                (in[x - 3] + in[x + 3])) /
+               16;
+      },
+      out);
+  ApcCurveColumns(curve, width - 3, width, zero, out);
 }
 
 }  // namespace deimg

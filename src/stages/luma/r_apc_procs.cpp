@@ -34,7 +34,7 @@ void HorizontalPass(const Kernels& kernels, const Sample* in, int mode, Sample s
 }  // namespace
 
 RApcProcs::RApcProcs(const StageContext& context)
-    : ComponentX(InfoOf(TypeId::kRApcProcs), context.width, context.height, 4, 1),
+    : ComponentX(InfoOf(TypeId::kRApcProcs), context.width, context.height, 4, 2),
       kernels_(context.kernels),
       settings_(context.settings),
       tuning_(context.tuning) {}
@@ -55,23 +55,22 @@ Result RApcProcs::Run(int first, int last) {
   const Sample weight = tuning_.rApcBlend(*setIndex);
   if (weight < 0) return DEIMG_BAD_TUNING;
   const ApcSegments curve =
-      MakeApcCurve(tuning_.apcCurve(*setIndex, TuningBlock::ApcCurveId::kR), kCurveSize);
+      MakeApcCurve(tuning_.apcCurve(*setIndex, TuningBlock::ApcCurveId::kR), kCurveSize, kShift);
 
   for (int o = first; o <= last; ++o) {
     const SevenLines in = LinesAround(*luminance, o);
-    Sample* const p0 = OwnLine(o, 0);
     Sample* const p1 = OwnLine(o, 1);
     Sample* const p2 = OwnLine(o, 2);
     Sample* const vertical = Scratch(0);
+    Sample* const smooth0 = Scratch(1);
     kernels_.verticalSmooth5Line(in, width(), vertical);
-    HorizontalPass(kernels_, vertical, mode0, 1, width(), p0);
+    HorizontalPass(kernels_, vertical, mode0, 1, width(), smooth0);
     if (mode1 == kVertical28) {
       kernels_.verticalSmooth7Line(in, kSevenTaps, width(), vertical);
     }  // otherwise the first filter's lines serve again
     HorizontalPass(kernels_, vertical, mode1, 4, width(), p1);
     kernels_.referenceLine(in, width(), p2);
-    kernels_.blendLine(p2, p1, weight, width(), p0);
-    kernels_.apcCurveLine(curve, kShift, width(), p0);
+    kernels_.blendLine(p2, smooth0, p1, weight, curve, width(), OwnLine(o, 0));
   }
   return DEIMG_OK;
 }

@@ -5,6 +5,7 @@
 #include "graph/kernel_math.h"
 #include "graph/kernels.h"
 #include "graph/line.h"
+#include "stages/luma/apc_curve_kernels.h"
 
 namespace deimg {
 
@@ -53,11 +54,14 @@ static void ReferenceLine(const SevenLines& in, int width, MutableLine out) {
   for (Index x = 0; x < width; ++x) out[x] = (u1[x] + 2 * m[x] + d1[x]) * 4;
 }
 
-/// In place: smooth0 becomes reference minus the blend of both, `weight` eighths of the second.
-static void BlendLine(Line reference, Line smooth1, Sample weight, int width, MutableLine smooth0) {
-  for (Index x = 0; x < width; ++x) {
-    smooth0[x] = (8 * reference[x] - (8 - weight) * smooth0[x] - weight * smooth1[x]) / 8;
-  }
+/// The curve of the reference minus the blend of both smooth lines, `weight` eighths of the second.
+static void BlendLine(Line reference, Line smooth0, Line smooth1, Sample weight,
+                      const ApcSegments& curve, int width, MutableLine out) {
+  const Sample rest = 8 - weight;
+  ApcCurveColumns(
+      curve, 0, width,
+      [&](Index x) { return (8 * reference[x] - rest * smooth0[x] - weight * smooth1[x]) / 8; },
+      out);
 }
 
 }  // namespace deimg

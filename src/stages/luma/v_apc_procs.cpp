@@ -27,7 +27,7 @@ Result VApcProcs::Run(int first, int last) {
   if (luminance == nullptr) return DEIMG_MISSING;
   if (tuning_.vApcLayout(*setIndex) != kLayout) return DEIMG_BAD_TUNING;
   const ApcSegments curve =
-      MakeApcCurve(tuning_.apcCurve(*setIndex, TuningBlock::ApcCurveId::kV), kCurveSize);
+      MakeApcCurve(tuning_.apcCurve(*setIndex, TuningBlock::ApcCurveId::kV), kCurveSize, kShift);
   const int filter = tuning_.vApcFilter(*setIndex);
   for (int o = first; o <= last; ++o) {
     const SevenLines in = LinesAround(*luminance, o);
@@ -41,8 +41,7 @@ Result VApcProcs::Run(int first, int last) {
       // With any other selector the line goes on from what it held.
       std::copy_n(own, width(), detail);
     }
-    kernels_.smoothDetailLine(detail, width(), own);
-    kernels_.apcCurveLine(curve, kShift, width(), own);
+    kernels_.smoothDetailLine(detail, curve, width(), own);
   }
   return DEIMG_OK;
 }

@@ -5,6 +5,7 @@
 #include "graph/kernel_math.h"
 #include "graph/kernels.h"
 #include "graph/line.h"
+#include "stages/luma/apc_curve_kernels.h"
 
 namespace deimg {
 
@@ -21,15 +22,18 @@ static void VerticalHighPass7Line(const SevenLines& in, int width, MutableLine o
   }
 }
 
-/// (1, 4, 6, 4, 1) / 16 along the line; the two outer columns on each side are copied.
-static void SmoothDetailLine(Line in, int width, MutableLine out) {
-  out[0] = in[0];
-  out[1] = in[1];
-  out[width - 2] = in[width - 2];
-  out[width - 1] = in[width - 1];
-  for (Index x = 2; x < width - 2; ++x) {
-    out[x] = (6 * in[x] + 4 * (in[x - 1] + in[x + 1]) + (in[x - 2] + in[x + 2])) / 16;
-  }
+/// The curve of (1, 4, 6, 4, 1) / 16 along the line; the two outer columns on each side are not
+/// smoothed.
+static void SmoothDetailLine(Line in, const ApcSegments& curve, int width, MutableLine out) {
+  const auto own = [&](Index x) { return in[x]; };
+  ApcCurveColumns(curve, 0, 2, own, out);
+  ApcCurveColumns(
+      curve, 2, width - 2,
+      [&](Index x) {
+        return (6 * in[x] + 4 * (in[x - 1] + in[x + 1]) + (in[x - 2] + in[x + 2])) / 16;
+      },
+      out);
+  ApcCurveColumns(curve, width - 2, width, own, out);
 }
 
 }  // namespace deimg

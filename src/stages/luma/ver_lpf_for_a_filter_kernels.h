@@ -16,7 +16,7 @@ static void FilterSitesLine(Line u3, Line u2, Line u1, Line m, Line d1, Line d2,
   for (Index x = 0; x < width; ++x) {
     const Sample site = t3 * m[x] + t1 * (u2[x] + d2[x]);
     const Sample between = t2 * (u1[x] + d1[x]) + t0 * (u3[x] + d3[x]);
-    out[x] = (x % 2 == own ? site : between) / 4;
+    out[x] = ByParity(x, own == 0 ? site : between, own == 0 ? between : site) / 4;
   }
 }
 

@@ -8,6 +8,7 @@ namespace deimg {
 namespace {
 
 constexpr Sample kHighest = 8191;
+constexpr Sample kHighestBrightness = 1023;
 
 /// One quadratic segment: its start in units of 4, and its five controls.
 struct Segment {
@@ -33,29 +34,19 @@ Sample CorrectionGain(int factor, int shift) {
 
 }  // namespace
 
-Result BuildDetailGainTable(const DetailGainParams& params, Sample* table) {
-  constexpr double kRise[] = {0.0, 4.0, 2.0, 1.0};
-  constexpr double kFall[] = {0.0, -1.0, -0.5, -0.25};
-  constexpr int kEnd[] = {1024, 800, 832, 864, 896, 928, 960, 992};
+Result MakeDetailGain(const DetailGainParams& params, DetailGain& gain) {
+  constexpr Sample kRise[] = {0, 64, 32, 16};
+  constexpr Sample kFall[] = {0, 16, 8, 4};
+  constexpr Sample kEnd[] = {1024, 800, 832, 864, 896, 928, 960, 992};
   if (params.riseCode > 3 || params.fallCode > 3 || params.endCode > 7) return DEIMG_UNSUPPORTED;
-  const double peak = params.peak;
-  const double rise = kRise[params.riseCode];
-  const double fall = kFall[params.fallCode];
-  const int end = kEnd[params.endCode];
-  const int x1 = rise != 0 ? Truncated(peak / rise) : 0;
-  const double intercept = -(end * fall);
-  const int x2 = fall != 0 ? Truncated((peak - intercept) / fall) : 1023;
-  for (int i = 0; i < YMainProcs::kGainTableSize; ++i) {
-    double gain = 0;
-    if (i < x1) {
-      gain = i * rise;
-    } else if (i < x2) {
-      gain = peak;
-    } else if (i < end) {
-      gain = i * fall + intercept;
-    }
-    table[i] = Low16(Truncated(gain * 16));
-  }
+  const Sample peak = 16 * params.peak;
+  gain.rise = kRise[params.riseCode];
+  gain.riseEnd = gain.rise != 0 ? peak / gain.rise : 0;
+  gain.hold = Low16(peak);
+  gain.fall = kFall[params.fallCode];
+  gain.end = kEnd[params.endCode];
+  // Where the fall starts is rounded toward zero: up, where a high peak puts it below zero.
+  gain.holdEnd = gain.fall != 0 ? (gain.end * gain.fall - peak) / gain.fall : kHighestBrightness;
   return DEIMG_OK;
 }
 
@@ -92,7 +83,7 @@ ChromaCorrection ChromaCorrectionOf(const std::array<std::uint16_t, 7>& p) {
 }
 
 YMainProcs::YMainProcs(const StageContext& context)
-    : ComponentX(InfoOf(TypeId::kYMainProcs), context.width, context.height, 4, 1),
+    : ComponentX(InfoOf(TypeId::kYMainProcs), context.width, context.height, 4),
       kernels_(context.kernels),
       settings_(context.settings),
       tuning_(context.tuning) {}
@@ -101,15 +92,14 @@ Result YMainProcs::PrepareDetail() {
   const auto setIndex = settings_.setIndex();
   if (!setIndex) return DEIMG_UNSUPPORTED;
   const int set = *setIndex;
-  auto table = BlockOf<Sample>::Zeroed(kGainTableSize);
-  if (!table) return DEIMG_OUT_OF_MEMORY;
-  DEIMG_RETURN_IF_FAILED(BuildDetailGainTable(
-      {tuning_.detailRiseCode(set), tuning_.detailFallCode(set), tuning_.detailEndCode(set),
-       tuning_.detailGainPeak(set, settings_.isoClass)},
-      table.get()));
+  DetailGain gain{};
   DEIMG_RETURN_IF_FAILED(
-      NegativeScale(tuning_.negativeModeA(set), tuning_.negativeModeB(set), negativeScale_));
-  detailGainTable_ = std::move(table);
+      MakeDetailGain({tuning_.detailRiseCode(set), tuning_.detailFallCode(set),
+                      tuning_.detailEndCode(set), tuning_.detailGainPeak(set, settings_.isoClass)},
+                     gain));
+  DEIMG_RETURN_IF_FAILED(
+      NegativeScale(tuning_.negativeModeA(set), tuning_.negativeModeB(set), gain.negativeScale));
+  detailGain_ = gain;
   return DEIMG_OK;
 }
 
@@ -127,7 +117,7 @@ Result YMainProcs::PrepareTone() {
 }
 
 Result YMainProcs::Run(int first, int last) {
-  if (!detailGainTable_) DEIMG_RETURN_IF_FAILED(PrepareDetail());
+  if (!detailGain_) DEIMG_RETURN_IF_FAILED(PrepareDetail());
   ComponentX* const mix = LastInput(TypeId::kRamenToYmix);
   ComponentX* const hApc = LastInput(TypeId::kHApcProcs);
   ComponentX* const rApc = LastInput(TypeId::kRApcProcs);
@@ -151,8 +141,7 @@ Result YMainProcs::Run(int first, int last) {
     } else {
       const DetailLines details{hApc->GetLine(o, 0), hApc->GetLine(o, 1), rApc->GetLine(o, 0),
                                 vApc->GetLine(o, 0), aApc->GetLine(o, 0)};
-      kernels_.addDetailsLine(mix->GetLine(o, 0), details, detailGainTable_.get(), negativeScale_,
-                              width(), Scratch(0), out);
+      kernels_.addDetailsLine(mix->GetLine(o, 0), details, *detailGain_, width(), out);
     }
     if (!full) continue;
     kernels_.luminanceToneLine(toneTable_.get(), width(), out);

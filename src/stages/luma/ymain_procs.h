@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 
 #include "graph/component.h"
 #include "graph/stage_context.h"
@@ -19,7 +20,6 @@ namespace deimg {
 /// colour-system stage, ports 1 and 2. Output: port 0, luminance 0 to 8191.
 class YMainProcs final : public ComponentX {
  public:
-  static constexpr int kGainTableSize = 1024;
   static constexpr int kToneTableSize = 8192;
 
   explicit YMainProcs(const StageContext& context);
@@ -33,8 +33,7 @@ class YMainProcs final : public ComponentX {
   const Kernels& kernels_;
   const DevelopSettings& settings_;
   const TuningBlock tuning_;
-  BlockOf<Sample> detailGainTable_;  // by brightness level
-  Sample negativeScale_ = 0;         // of darkening detail, 1024 = 1.0
+  std::optional<DetailGain> detailGain_;
   BlockOf<Sample> toneTable_;
 };
 
@@ -46,9 +45,9 @@ struct DetailGainParams {
   std::int16_t peak;
 };
 
-/// Fills the gain by level: rises to 16 x peak, holds it, falls to 0. DEIMG_UNSUPPORTED for a code
-/// that does not exist.
-[[nodiscard]] Result BuildDetailGainTable(const DetailGainParams& params, Sample* table);
+/// The gain by level: rises to 16 x peak, holds it, falls to 0; the scale of negative detail is
+/// left alone. DEIMG_UNSUPPORTED for a code that does not exist.
+[[nodiscard]] Result MakeDetailGain(const DetailGainParams& params, DetailGain& gain);
 
 /// The scale of negative detail, 1024 = 1.0, from its two modes.
 [[nodiscard]] Result NegativeScale(std::int16_t modeA, std::int16_t modeB, Sample& scale);

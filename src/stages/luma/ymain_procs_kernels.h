@@ -22,14 +22,19 @@ static void ScaleLuminanceLine(Line y, int width, MutableLine out) {
   for (Index x = 0; x < width; ++x) out[x] = Clipped(y[x] / 8);
 }
 
-/// Adds the details, weighted by level; `scratch` holds their sum.
-static void AddDetailsLine(Line y, const DetailLines& details, const Sample* gainTable,
-                           Sample negativeScale, int width, MutableLine scratch, MutableLine out) {
+/// Adds the details, weighted by level.
+static void AddDetailsLine(Line y, const DetailLines& details, const DetailGain& gain, int width,
+                           MutableLine out) {
   const Line hNarrow = details.hNarrow, hWide = details.hWide, r = details.r, v = details.v,
              a = details.a;
-  for (Index x = 0; x < width; ++x) scratch[x] = hNarrow[x] + hWide[x] + r[x] + v[x] + a[x];
-  const auto enhanced = [&](Index x, Sample level) {
-    const Sample detail = gainTable[Clamp(level, 0, kHighestBrightness)] * scratch[x] / 128;
+  const Sample rise = gain.rise, riseEnd = gain.riseEnd;
+  const Sample hold = gain.hold, holdEnd = gain.holdEnd;
+  const Sample fall = gain.fall, end = gain.end, negativeScale = gain.negativeScale;
+  const auto enhanced = [&](Index x, Sample brightness) {
+    const Sample level = Clamp(brightness, 0, kHighestBrightness);
+    const Sample falling = Max(end - level, 0) * fall;
+    const Sample weight = level < riseEnd ? level * rise : level < holdEnd ? hold : falling;
+    const Sample detail = weight * (hNarrow[x] + hWide[x] + r[x] + v[x] + a[x]) / 128;
     return Clipped((y[x] + (detail < 0 ? detail * negativeScale / 1024 : detail)) / 8);
   };
   const Index ends[] = {0, 1, width - 3, width - 2, width - 1};
