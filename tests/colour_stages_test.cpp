@@ -197,39 +197,47 @@ TEST_P(ColourKernels, ChromaSuppressLargestLevelAround) {
   k->suppressionLevelLine(r.data(), b.data(), h.data(), width, level.data());
   EXPECT_EQ(level, Samples(14, 0));
 
-  const Samples in(14, -1000), at(14, 2), curve = {0, 0, 64};
+  const Samples in(14, -1000), curve(14, 64);
   Samples out(14);
-  k->suppressLine(in.data(), at.data(), curve.data(), 100, width, out.data());
+  k->suppressLine(in.data(), curve.data(), 100, width, out.data());
   EXPECT_EQ(out[0], 0);
   EXPECT_EQ(out[13], 0);
   EXPECT_EQ(out[7], -390);  // -6,400,000 / 16,384
 }
 
 TEST_P(ColourKernels, ColorSystemProcSmoothsAlongTheLine) {
-  Samples in(21, 0), out(21);
+  const Sample black[] = {0, 0, 0};
+  const Samples zero(21, 0);
+  Samples in(21, 0), r(21), g(21), b(21);
   in[10] = 128;
-  k->smoothLine9(in.data(), 21, out.data());
-  EXPECT_EQ(Samples(out.begin() + 5, out.begin() + 16),
+  k->toRgbLine9(zero.data(), in.data(), zero.data(), black, 21, r.data(), g.data(), b.data());
+  EXPECT_EQ(Samples(r.begin() + 5, r.begin() + 16),
             (Samples{0, 4, 7, 18, 21, 28, 21, 18, 7, 4, 0}));
+  EXPECT_EQ(b, zero);
   in[10] = 64;
-  k->smoothLine7(in.data(), 21, out.data());
-  EXPECT_EQ(Samples(out.begin() + 6, out.begin() + 15), (Samples{0, 3, 8, 13, 16, 13, 8, 3, 0}));
-  in = Random(21, -999, 999, 1);
-  for (const auto smooth : {k->smoothLine9, k->smoothLine7}) {
-    smooth(in.data(), 21, out.data());
-    for (const std::size_t x : {0u, 3u, 17u, 20u}) EXPECT_EQ(out[x], in[x]);
-    EXPECT_NE(out[4], in[4]);
+  k->toRgbLine7(zero.data(), zero.data(), in.data(), black, 21, r.data(), g.data(), b.data());
+  EXPECT_EQ(Samples(b.begin() + 6, b.begin() + 15), (Samples{0, 3, 8, 13, 16, 13, 8, 3, 0}));
+  EXPECT_EQ(r, zero);
+  in = Random(21, 0, 999, 1);
+  for (const auto toRgbLine : {k->toRgbLine9, k->toRgbLine7}) {
+    toRgbLine(in.data(), zero.data(), zero.data(), black, 21, r.data(), g.data(), b.data());
+    for (const std::size_t x : {0u, 3u, 17u, 20u}) EXPECT_EQ(r[x], in[x]);
+    EXPECT_NE(r[4], in[4]);
+    EXPECT_NE(r[16], in[16]);
+    EXPECT_EQ(r, g);
+    EXPECT_EQ(r, b);
   }
 }
 
 TEST_P(ColourKernels, ColorSystemProcRgbAndBack) {
-  Samples y = {1000, 1000, 20000}, c1 = {0, 100, 0}, c2 = {0, -2000, 0};
+  const Samples y = {1000, 1000, 20000}, c1 = {0, 100, 0}, c2 = {0, -2000, 0};
   const Sample black[] = {1, 0, -1};
-  k->toRgbLine(black, 3, y.data(), c1.data(), c2.data());
-  EXPECT_EQ(y, (Samples{996, 1096, 8191}));
-  EXPECT_EQ(c1, (Samples{1000, 1323, 8191}));  // (1,024,000 - 337,700 + 113,000) / 604
-  EXPECT_EQ(c2, (Samples{1004, -512, 8191}));
-  Samples r = {8191, 0, 1000}, g = {-512, 8191, 1000}, b = {-512, 8191, 1000};
+  Samples r(3), g(3), b(3);
+  k->toRgbLine9(y.data(), c1.data(), c2.data(), black, 3, r.data(), g.data(), b.data());
+  EXPECT_EQ(r, (Samples{996, 1096, 8191}));
+  EXPECT_EQ(g, (Samples{1000, 1323, 8191}));  // (1,024,000 - 337,700 + 113,000) / 604
+  EXPECT_EQ(b, (Samples{1004, -512, 8191}));
+  r = {8191, 0, 1000}, g = {-512, 8191, 1000}, b = {-512, 8191, 1000};
   k->toColourDifferencesLine(r.data(), 3, g.data(), b.data());
   EXPECT_EQ(g, (Samples{4095, -4095, 0}));  // 4351 is clipped
   EXPECT_EQ(b, (Samples{-1461, 1375, 0}));
@@ -246,18 +254,19 @@ TEST_P(ColourKernels, ColorSystemProcChromaGainAndHue) {
   EXPECT_EQ(table[1], 100);
   BuildChromaGainTable({32767, -32768, 32767, 1, -32768, -5, 32767}, table.data());
 
-  Samples gain(256, 64);
-  gain[128] = 32;
-  Samples cr = {100, -4096, 0}, cb = {-50, 10, 31};
-  k->chromaGainLine(gain.data(), 3, cr.data(), cb.data());
-  EXPECT_EQ(cr, (Samples{50, -1024, 0}));
-  EXPECT_EQ(cb, (Samples{-25, 2, 15}));
-  cr = {100, -100, 7};
-  cb = {-200, 200, 0};
-  const std::int16_t mix[] = {1, 2, 4, 8};
-  k->hueMixLine(mix, 3, cr.data(), cb.data());
-  EXPECT_EQ(cr, (Samples{100 - 15, -100 + 12, 7}));  // (16 + 64) x -200, 64 x 200
-  EXPECT_EQ(cb, (Samples{-200 + 3, 200 - 3, 0}));    // 32 x 100, (8 + 32) x -100
+  Samples cr = {100, -4096, 0, 100, -100, 7}, cb = {-50, 10, 31, -200, 200, 0};
+  Samples gain(6);
+  k->chromaLevelLine(cr.data(), cb.data(), 6, gain.data());
+  EXPECT_EQ(gain, (Samples{3, 128, 0, 6, 6, 0}));
+  gain = {64, 32, 64, 128, 128, 128};
+  const std::int16_t none[] = {0, 0, 0, 0}, mix[] = {1, 2, 4, 8};
+  k->adjustColourDifferencesLine(gain.data(), none, 6, cr.data(), cb.data());
+  EXPECT_EQ(cr, (Samples{50, -1024, 0, 100, -100, 7}));
+  EXPECT_EQ(cb, (Samples{-25, 2, 15, -200, 200, 0}));
+  gain.assign(6, 128);
+  k->adjustColourDifferencesLine(gain.data(), mix, 6, cr.data(), cb.data());
+  EXPECT_EQ(Samples(cr.begin() + 3, cr.end()), (Samples{100 - 15, -100 + 12, 7}));  // 80, 64 x 200
+  EXPECT_EQ(Samples(cb.begin() + 3, cb.end()), (Samples{-200 + 3, 200 - 3, 0}));    // 32, 40 x 100
 }
 
 TEST(RgbToneCurve, SevenSegments) {

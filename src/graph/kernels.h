@@ -111,16 +111,15 @@ struct Kernels {
                          int width, MutableLine out);
   void (*suppressionLevelLine)(Line r, Line b, Line luminance, int width, MutableLine level);
   void (*largestLevelLine)(Line level, int width, MutableLine largest);
-  void (*suppressLine)(Line in, Line level, const Sample* curve, Sample gain, int width,
-                       MutableLine out);
-  void (*smoothLine9)(Line in, int width, MutableLine out);
-  void (*smoothLine7)(Line in, int width, MutableLine out);
-  void (*toRgbLine)(const Sample* black, int width, MutableLine yToR, MutableLine c1ToG,
-                    MutableLine c2ToB);
-  void (*rgbToneLine)(const Sample* table, int width, MutableLine line);
+  void (*suppressLine)(Line in, Line curve, Sample gain, int width, MutableLine out);
+  void (*toRgbLine9)(Line luminance, Line c1, Line c2, const Sample* black, int width,
+                     MutableLine r, MutableLine g, MutableLine b);
+  void (*toRgbLine7)(Line luminance, Line c1, Line c2, const Sample* black, int width,
+                     MutableLine r, MutableLine g, MutableLine b);
   void (*toColourDifferencesLine)(Line r, int width, MutableLine gToCr, MutableLine bToCb);
-  void (*chromaGainLine)(const Sample* table, int width, MutableLine cr, MutableLine cb);
-  void (*hueMixLine)(const std::int16_t* mix, int width, MutableLine cr, MutableLine cb);
+  void (*chromaLevelLine)(Line cr, Line cb, int width, MutableLine level);
+  void (*adjustColourDifferencesLine)(Line gain, const std::int16_t* mix, int width, MutableLine cr,
+                                      MutableLine cb);
 
   // Luminance path.
   void (*verLpfLine)(const SevenLines& in, const Sample* taps, bool oddLine, int width,
@@ -150,7 +149,6 @@ struct Kernels {
   void (*scaleLuminanceLine)(Line y, int width, MutableLine out);
   void (*addDetailsLine)(Line y, const DetailLines& details, const DetailGain& gain, int width,
                          MutableLine out);
-  void (*luminanceToneLine)(const Sample* table, int width, MutableLine y);
   void (*correctByChromaLine)(Line cr, Line cb, const ChromaCorrection& correction, int width,
                               MutableLine y);
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <optional>
 
+#include "graph/look_up.h"
 #include "graph/rounding.h"
 
 namespace deimg {
@@ -112,10 +113,9 @@ Result ChromaSuppress::Run(int first, int last) {
     kernels_.suppressionLevelLine(planes->GetLine(o, 0), planes->GetLine(o, 3),
                                   luminance->GetLine(o, 0), width(), Scratch(0));
     kernels_.largestLevelLine(Scratch(0), width(), Scratch(1));
-    kernels_.suppressLine(matrix->GetLine(o, 1), Scratch(1), suppressTable_.get(), gainCr_, width(),
-                          OwnLine(o, 0));
-    kernels_.suppressLine(matrix->GetLine(o, 2), Scratch(1), suppressTable_.get(), gainCb_, width(),
-                          OwnLine(o, 1));
+    LookUpLine(suppressTable_.get(), 0, width(), Scratch(1));
+    kernels_.suppressLine(matrix->GetLine(o, 1), Scratch(1), gainCr_, width(), OwnLine(o, 0));
+    kernels_.suppressLine(matrix->GetLine(o, 2), Scratch(1), gainCb_, width(), OwnLine(o, 1));
   }
   return DEIMG_OK;
 }

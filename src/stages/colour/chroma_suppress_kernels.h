@@ -35,10 +35,9 @@ static void LargestLevelLine(Line level, int width, MutableLine largest) {
   for (Index x = width - 3; x < width; ++x) largest[x] = level[x];
 }
 
-/// Applies curve and gain (128 = 1.0 each); the first and the last column become 0.
-static void SuppressLine(Line in, Line level, const Sample* curve, Sample gain, int width,
-                         MutableLine out) {
-  for (Index x = 0; x < width; ++x) out[x] = in[x] * curve[level[x]] * gain / 16384;
+/// Applies the curve's values and a gain (128 = 1.0 each); the first and the last column become 0.
+static void SuppressLine(Line in, Line curve, Sample gain, int width, MutableLine out) {
+  for (Index x = 0; x < width; ++x) out[x] = in[x] * curve[x] * gain / 16384;
   out[0] = out[width - 1] = 0;
 }
 

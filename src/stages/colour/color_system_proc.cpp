@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "graph/look_up.h"
 #include "graph/rounding.h"
 #include "stages/colour/rgb_tone_curve.h"
 
@@ -31,14 +32,14 @@ void BuildChromaGainTable(const std::array<std::int16_t, 7>& f, Sample* table) {
 }
 
 ColorSystemProc::ColorSystemProc(const StageContext& context)
-    : ComponentX(InfoOf(TypeId::kColorSystemProc), context.width, context.height, 4),
+    : ComponentX(InfoOf(TypeId::kColorSystemProc), context.width, context.height, 4, 1),
       kernels_(context.kernels),
       settings_(context.settings),
       tables_(context.tables),
       tuning_(context.tuning) {}
 
 Result ColorSystemProc::BuildTables() {
-  auto tone = BlockOf<Sample>::Zeroed(kRgbToneTableSize);
+  auto tone = BlockOf<std::int16_t>::Zeroed(kRgbToneTableSize);
   if (!tone) return DEIMG_OUT_OF_MEMORY;
   const auto toneIndex = settings_.toneIndex();
   if (!toneIndex) return DEIMG_UNSUPPORTED;
@@ -57,23 +58,25 @@ Result ColorSystemProc::Run(int first, int last) {
   if (chroma == nullptr || matrix == nullptr) return DEIMG_UNSUPPORTED;
   const bool full = settings_.full();
   if (full && !rgbToneTable_) DEIMG_RETURN_IF_FAILED(BuildTables());
-  const auto smoothLine = tuning_.smoothSelect() == 0 ? kernels_.smoothLine9 : kernels_.smoothLine7;
+  const auto toRgbLine = tuning_.smoothSelect() == 0 ? kernels_.toRgbLine9 : kernels_.toRgbLine7;
   const std::array<Sample, 3> black = {tuning_.blackR(), tuning_.blackG(), tuning_.blackB()};
   for (int o = first; o <= last; ++o) {
     Sample* const p0 = OwnLine(o, 0);
     Sample* const p1 = OwnLine(o, 1);
     Sample* const p2 = OwnLine(o, 2);
-    smoothLine(matrix->GetLine(o, 0), width(), p0);
-    smoothLine(chroma->GetLine(o, 0), width(), p1);
-    smoothLine(chroma->GetLine(o, 1), width(), p2);
-    kernels_.toRgbLine(black.data(), width(), p0, p1, p2);
+    toRgbLine(matrix->GetLine(o, 0), chroma->GetLine(o, 0), chroma->GetLine(o, 1), black.data(),
+              width(), p0, p1, p2);
     if (full) {
-      for (Sample* line : {p0, p1, p2}) kernels_.rgbToneLine(rgbToneTable_.get(), width(), line);
+      for (Sample* const line : {p0, p1, p2}) {
+        LookUpLine(rgbToneTable_.get(), kLowestLinear, width(), line);
+      }
     }
     kernels_.toColourDifferencesLine(p0, width(), p1, p2);
     if (full) {
-      kernels_.chromaGainLine(chromaGainTable_.get(), width(), p1, p2);
-      kernels_.hueMixLine(tables_.colourOffsets.data(), width(), p1, p2);
+      Sample* const gain = Scratch(0);
+      kernels_.chromaLevelLine(p1, p2, width(), gain);
+      LookUpLine(chromaGainTable_.get(), 0, width(), gain);
+      kernels_.adjustColourDifferencesLine(gain, tables_.colourOffsets.data(), width(), p1, p2);
     }
   }
   return DEIMG_OK;

@@ -32,7 +32,7 @@ class ColorSystemProc final : public ComponentX {
   const DevelopSettings& settings_;
   const DevelopmentTables& tables_;
   const TuningBlock tuning_;
-  BlockOf<Sample> rgbToneTable_;
+  BlockOf<std::int16_t> rgbToneTable_;
   BlockOf<Sample> chromaGainTable_;  // by chroma / 32, 128 = 1.0
 };
 

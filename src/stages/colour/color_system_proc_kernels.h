@@ -12,50 +12,57 @@ static constexpr Sample kLowestChroma = -4096;
 static constexpr Sample kHighestChroma = 4095;
 static constexpr int kUnsmoothed = 4;  // columns on each side
 
-static void CopyEnds(Line in, int width, MutableLine out) {
-  for (Index x = 0; x < Min(kUnsmoothed, width); ++x) {
-    out[x] = in[x];
-    out[width - 1 - x] = in[width - 1 - x];
-  }
+/// Low-pass along the line with nine or seven taps, or none.
+static inline Sample Smoothed9(Line in, Index x) {
+  return (28 * in[x] + 21 * (in[x - 1] + in[x + 1]) + 18 * (in[x - 2] + in[x + 2]) +
+          7 * (in[x - 3] + in[x + 3]) + 4 * (in[x - 4] + in[x + 4])) /
+         128;
 }
 
-/// Low-pass along the line with nine or seven taps; the four outer columns on each side are copied.
-static void SmoothLine9(Line in, int width, MutableLine out) {
-  CopyEnds(in, width, out);
-  for (Index x = kUnsmoothed; x < width - kUnsmoothed; ++x) {
-    out[x] = (28 * in[x] + 21 * (in[x - 1] + in[x + 1]) + 18 * (in[x - 2] + in[x + 2]) +
-              7 * (in[x - 3] + in[x + 3]) + 4 * (in[x - 4] + in[x + 4])) /
-             128;
-  }
+static inline Sample Smoothed7(Line in, Index x) {
+  return (16 * in[x] + 13 * (in[x - 1] + in[x + 1]) + 8 * (in[x - 2] + in[x + 2]) +
+          3 * (in[x - 3] + in[x + 3])) /
+         64;
 }
 
-static void SmoothLine7(Line in, int width, MutableLine out) {
-  CopyEnds(in, width, out);
-  for (Index x = kUnsmoothed; x < width - kUnsmoothed; ++x) {
-    out[x] = (16 * in[x] + 13 * (in[x - 1] + in[x + 1]) + 8 * (in[x - 2] + in[x + 2]) +
-              3 * (in[x - 3] + in[x + 3])) /
-             64;
-  }
-}
+static inline Sample Unsmoothed(Line in, Index x) { return in[x]; }
 
-/// In place: luminance and two colour differences to red, green and blue without their black
-/// offsets (in quarters), clipped to the tone curve's range.
-static void ToRgbLine(const Sample* black, int width, MutableLine yToR, MutableLine c1ToG,
-                      MutableLine c2ToB) {
+template <Sample (*smoothed)(Line, Index)>
+static inline void ToRgbColumns(Line luminance, Line c1, Line c2, const Sample* black, Index first,
+                                Index end, MutableLine r, MutableLine g, MutableLine b) {
   const Sample blackR = 4 * black[0], blackG = 4 * black[1], blackB = 4 * black[2];
-  for (Index x = 0; x < width; ++x) {
-    const Sample y = yToR[x];
-    const Sample r = y + c1ToG[x];
-    const Sample b = y + c2ToB[x];
-    const Sample g = (1024 * y - 307 * r - 113 * b) / 604;
-    yToR[x] = Clamp(r - blackR, kLowestLinear, kHighestLinear);
-    c1ToG[x] = Clamp(g - blackG, kLowestLinear, kHighestLinear);
-    c2ToB[x] = Clamp(b - blackB, kLowestLinear, kHighestLinear);
+  for (Index x = first; x < end; ++x) {
+    const Sample y = smoothed(luminance, x);
+    const Sample red = y + smoothed(c1, x);
+    const Sample blue = y + smoothed(c2, x);
+    const Sample green = (1024 * y - 307 * red - 113 * blue) / 604;
+    r[x] = Clamp(red - blackR, kLowestLinear, kHighestLinear);
+    g[x] = Clamp(green - blackG, kLowestLinear, kHighestLinear);
+    b[x] = Clamp(blue - blackB, kLowestLinear, kHighestLinear);
   }
 }
 
-static void RgbToneLine(const Sample* table, int width, MutableLine line) {
-  for (Index x = 0; x < width; ++x) line[x] = table[line[x] - kLowestLinear];
+template <Sample (*smoothed)(Line, Index)>
+static inline void ToRgbLine(Line luminance, Line c1, Line c2, const Sample* black, int width,
+                             MutableLine r, MutableLine g, MutableLine b) {
+  const int left = Min(kUnsmoothed, width);
+  const int right = Max(left, width - kUnsmoothed);
+  ToRgbColumns<Unsmoothed>(luminance, c1, c2, black, 0, left, r, g, b);
+  ToRgbColumns<smoothed>(luminance, c1, c2, black, left, right, r, g, b);
+  ToRgbColumns<Unsmoothed>(luminance, c1, c2, black, right, width, r, g, b);
+}
+
+/// Luminance and two colour differences, smoothed, to red, green and blue without their black
+/// offsets (in quarters), clipped to the tone curve's range. The four outer columns on each side
+/// are not smoothed.
+static void ToRgbLine9(Line luminance, Line c1, Line c2, const Sample* black, int width,
+                       MutableLine r, MutableLine g, MutableLine b) {
+  ToRgbLine<Smoothed9>(luminance, c1, c2, black, width, r, g, b);
+}
+
+static void ToRgbLine7(Line luminance, Line c1, Line c2, const Sample* black, int width,
+                       MutableLine r, MutableLine g, MutableLine b) {
+  ToRgbLine<Smoothed7>(luminance, c1, c2, black, width, r, g, b);
 }
 
 /// In place: r keeps red, g becomes Cr and b becomes Cb.
@@ -70,22 +77,19 @@ static void ToColourDifferencesLine(Line r, int width, MutableLine gToCr, Mutabl
   }
 }
 
-/// In place: gain by the larger of both magnitudes.
-static void ChromaGainLine(const Sample* table, int width, MutableLine cr, MutableLine cb) {
-  for (Index x = 0; x < width; ++x) {
-    const Sample gain = table[Max(Abs(cr[x]), Abs(cb[x])) / 32];
-    cr[x] = cr[x] * gain / 128;
-    cb[x] = cb[x] * gain / 128;
-  }
+/// Level of the chroma gain, 0 to 128.
+static void ChromaLevelLine(Line cr, Line cb, int width, MutableLine level) {
+  for (Index x = 0; x < width; ++x) level[x] = Max(Abs(cr[x]), Abs(cb[x])) / 32;
 }
 
-/// In place: adds a share of each colour difference to the other, by the other's sign. `mix` holds
-/// the colour offsets h0 to h3.
-static void HueMixLine(const std::int16_t* mix, int width, MutableLine cr, MutableLine cb) {
+/// In place: applies a gain (128 = 1.0) and adds a share of each colour difference to the other, by
+/// the other's sign. `mix` holds the colour offsets h0 to h3.
+static void AdjustColourDifferencesLine(Line gain, const std::int16_t* mix, int width,
+                                        MutableLine cr, MutableLine cb) {
   const Sample h0 = 8 * mix[0], h1 = 8 * mix[1], h2 = 8 * mix[2], h3 = 8 * mix[3];
   for (Index x = 0; x < width; ++x) {
-    const Sample red = cr[x];
-    const Sample blue = cb[x];
+    const Sample red = cr[x] * gain[x] / 128;
+    const Sample blue = cb[x] * gain[x] / 128;
     cr[x] = red + ((blue < 0 ? h1 : 0) + h3) * blue / 1024;
     cb[x] = blue + ((red < 0 ? h0 : 0) + h2) * red / 1024;
   }

@@ -51,8 +51,10 @@ Sample RgbToneCurve(Sample x, const Record& r) {
   return v < 0 && out >= 1 ? 0 : Signed16(out);
 }
 
-void BuildRgbToneTable(const Record& record, Sample* table) {
-  for (int i = 0; i < kRgbToneTableSize; ++i) table[i] = RgbToneCurve(i + kLowestLinear, record);
+void BuildRgbToneTable(const Record& record, std::int16_t* table) {
+  for (int i = 0; i < kRgbToneTableSize; ++i) {
+    table[i] = static_cast<std::int16_t>(RgbToneCurve(i + kLowestLinear, record));
+  }
 }
 
 }  // namespace deimg

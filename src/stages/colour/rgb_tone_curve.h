@@ -13,7 +13,7 @@ namespace deimg {
 [[nodiscard]] Sample RgbToneCurve(Sample x, const TuningBlock::Words<45>& record);
 
 /// Fills a table of kRgbToneTableSize entries; entry i holds the curve at i + kLowestLinear.
-void BuildRgbToneTable(const TuningBlock::Words<45>& record, Sample* table);
+void BuildRgbToneTable(const TuningBlock::Words<45>& record, std::int16_t* table);
 
 }  // namespace deimg
 

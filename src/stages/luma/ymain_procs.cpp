@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "graph/look_up.h"
 #include "graph/rounding.h"
 
 namespace deimg {
@@ -106,11 +107,11 @@ Result YMainProcs::PrepareDetail() {
 Result YMainProcs::PrepareTone() {
   const auto toneIndex = settings_.toneIndex();
   if (!toneIndex) return DEIMG_UNSUPPORTED;
-  auto table = BlockOf<Sample>::Zeroed(kToneTableSize);
+  auto table = BlockOf<std::int16_t>::Zeroed(kToneTableSize);
   if (!table) return DEIMG_OUT_OF_MEMORY;
   const auto controls = tuning_.toneControls(*toneIndex, settings_.isoClass);
   for (int i = 0; i < kToneTableSize; ++i) {
-    table[static_cast<std::size_t>(i)] = LuminanceToneCurve(i, controls);
+    table[static_cast<std::size_t>(i)] = static_cast<std::int16_t>(LuminanceToneCurve(i, controls));
   }
   toneTable_ = std::move(table);
   return DEIMG_OK;
@@ -144,7 +145,7 @@ Result YMainProcs::Run(int first, int last) {
       kernels_.addDetailsLine(mix->GetLine(o, 0), details, *detailGain_, width(), out);
     }
     if (!full) continue;
-    kernels_.luminanceToneLine(toneTable_.get(), width(), out);
+    LookUpLine(toneTable_.get(), 0, width(), out);
     kernels_.correctByChromaLine(chroma->GetLine(o, 1), chroma->GetLine(o, 2), correction, width(),
                                  out);
   }

@@ -34,7 +34,7 @@ class YMainProcs final : public ComponentX {
   const DevelopSettings& settings_;
   const TuningBlock tuning_;
   std::optional<DetailGain> detailGain_;
-  BlockOf<Sample> toneTable_;
+  BlockOf<std::int16_t> toneTable_;
 };
 
 /// Codes and peak of the detail gain table.

@@ -13,10 +13,6 @@ static constexpr Sample kHighestBrightness = 1023;  // level of the detail gain
 
 static Sample Clipped(Sample y) { return Clamp(y, 0, kHighestLuminance); }
 
-static void LuminanceToneLine(const Sample* table, int width, MutableLine y) {
-  for (Index x = 0; x < width; ++x) y[x] = table[y[x]];
-}
-
 /// y / 8, clipped.
 static void ScaleLuminanceLine(Line y, int width, MutableLine out) {
   for (Index x = 0; x < width; ++x) out[x] = Clipped(y[x] / 8);
