@@ -17,20 +17,23 @@ constexpr std::uint32_t kSlackBytes = 16;
 /// No block takes more bits than this, and loading them touches no byte beyond.
 constexpr std::uint32_t kMostBlockBits = 64 * DifferenceTable::kMostBits + 8 * kSlackBytes;
 
+/// Spelled out: compilers recognise this as one load and a byte swap, but not a loop.
 std::uint64_t LoadBigEndian64(const std::uint8_t* p) {
-  std::uint64_t value = 0;
-  for (int i = 0; i < 8; ++i) value = value << 8 | p[i];
-  return value;
+  return std::uint64_t{p[0]} << 56 | std::uint64_t{p[1]} << 48 | std::uint64_t{p[2]} << 40 |
+         std::uint64_t{p[3]} << 32 | std::uint64_t{p[4]} << 24 | std::uint64_t{p[5]} << 16 |
+         std::uint64_t{p[6]} << 8 | std::uint64_t{p[7]};
 }
 
-/// The next bits of a byte sequence, most significant first: at least 56 of them after a refill.
+/// The next bits of a byte sequence, most significant first: at least 49 of them at first, 56 after
+/// a refill.
 class BitWindow {
  public:
   BitWindow(const std::uint8_t* bytes, std::uint32_t position)
-      : bytes_(bytes), next_(bytes + position / 8) {
-    bits_ = LoadBigEndian64(next_) << position % 8;
-    next_ += 8;
-    count_ = 64 - position % 8;
+      : bytes_(bytes),
+        next_(bytes + position / 8),
+        bits_(LoadBigEndian64(next_) << position % 8),
+        count_(56 - position % 8) {
+    next_ += 7;
   }
 
   std::uint64_t bits() const { return bits_; }
@@ -41,9 +44,8 @@ class BitWindow {
   /// Fills up with whole bytes. The bits below the counted ones are already those that follow.
   void Refill() {
     bits_ |= LoadBigEndian64(next_) >> count_;
-    const std::uint32_t bytes = (64 - count_) / 8;
-    next_ += bytes;
-    count_ += 8 * bytes;
+    next_ += (63 - count_) / 8;
+    count_ |= 56;
   }
   std::uint32_t position() const { return static_cast<std::uint32_t>(next_ - bytes_) * 8 - count_; }
 
@@ -51,8 +53,9 @@ class BitWindow {
   const std::uint8_t* const bytes_;
   const std::uint8_t* next_;
   std::uint64_t bits_;
-  std::uint32_t count_;
+  std::uint32_t count_;  // below 64
 };
+static_assert(DifferenceTable::kMostBits <= 49, "a first value before any refill");
 static_assert(2 * DifferenceTable::kMostBits <= 56, "two symbols to a refill");
 
 }  // namespace
@@ -90,14 +93,14 @@ bool CodedDataReader::DecodeInsideBuffer(DifferenceBlock& block) {
   BitWindow window(buffer_.get(), nextBit_);
   const CodedSize first = firstValues_.Decode(window.bits());
   if (first.bits() == 0) return false;
-  block[0] = static_cast<std::int16_t>(DifferenceBehind(window.bits(), first));
+  block[0] = static_cast<std::int16_t>(first.DifferenceBehind(window.bits()));
   window.Use(first.bits());
   window.Refill();
   for (std::uint32_t k = 0;;) {
     // Two symbols to a refill.
     for (int i = 0; i < 2; ++i) {
       const CodedSize coded = runSizes_.Decode(window.bits());
-      const auto difference = static_cast<std::int16_t>(DifferenceBehind(window.bits(), coded));
+      const auto difference = static_cast<std::int16_t>(coded.DifferenceBehind(window.bits()));
       window.Use(coded.bits());
       k += coded.advance();
       if (k >= kLastEntry) {

@@ -9,7 +9,8 @@
 
 namespace deimg {
 
-/// What the next bits of the stream are, in one word.
+/// What the next bits of the stream are, in one word: every field in the low six bits of a byte, so
+/// that a shift by the field needs no masking.
 class CodedSize {
  public:
   /// Advances that say more than a distance: larger than any sum of distances in a block.
@@ -18,14 +19,24 @@ class CodedSize {
 
   constexpr CodedSize() = default;
   constexpr CodedSize(std::uint32_t codeBits, std::uint32_t differenceBits, std::uint32_t advance)
-      : word_((codeBits + differenceBits) | codeBits << 8 | advance << 16) {}
+      : word_((codeBits + differenceBits) | codeBits << 8 | (63 - differenceBits) << 16 |
+              advance << 24) {}
 
   /// Of code and difference together; 0 when the bits are no code.
-  std::uint32_t bits() const { return word_ & 0xFF; }
-  std::uint32_t codeBits() const { return word_ >> 8 & 0xFF; }
-  std::uint32_t differenceBits() const { return bits() - codeBits(); }
+  std::uint32_t bits() const { return word_ & 63; }
+  bool isCode() const { return word_ != 0; }
+  /// The difference that follows the code: its first bit tells the sign, the rest count up from the
+  /// smallest magnitude of that size (positive) or from the largest (negative). No branches: no
+  /// bits give 0. `next` holds the stream's next bits from the top down.
+  std::int32_t DifferenceBehind(std::uint64_t next) const {
+    const std::uint64_t bits = next << (word_ >> 8 & 63);
+    // A negative difference is the complement of its magnitude.
+    const std::uint64_t negative = (bits >> 63) - 1;  // all ones, or 0
+    const std::uint64_t magnitude = (bits ^ negative) >> 1 >> (word_ >> 16 & 63);
+    return static_cast<std::int32_t>((magnitude ^ negative) - negative);
+  }
   /// Positions to move on by, or one of the constants.
-  std::uint32_t advance() const { return word_ >> 16; }
+  std::uint32_t advance() const { return word_ >> 24; }
 
  private:
   std::uint32_t word_ = 0;
@@ -46,7 +57,7 @@ class DifferenceTable {
   /// `next` holds the stream's next bits from the top down.
   CodedSize Decode(std::uint64_t next) const {
     const CodedSize size = entries_[static_cast<std::size_t>(next >> (64 - kIndexBits))];
-    return size.bits() != 0 ? size : Search(next);
+    return size.isCode() ? size : Search(next);
   }
 
  private:
@@ -63,17 +74,6 @@ class DifferenceTable {
   std::span<const std::uint8_t> symbols_;
   int endSymbol_;
 };
-
-/// The difference that follows a code: its first bit tells the sign, the rest count up from the
-/// smallest magnitude of that size (positive) or from the largest (negative). No branches: size 0
-/// gives 0.
-inline std::int32_t DifferenceBehind(std::uint64_t next, CodedSize coded) {
-  const std::uint32_t size = coded.differenceBits();
-  const std::uint64_t bits = next << coded.codeBits();
-  const auto value = static_cast<std::int32_t>(bits >> 1 >> (63 - size));
-  const auto negative = static_cast<std::int32_t>(bits >> 63) - 1;  // -1 or 0
-  return value - (negative & ((1 << size) - 1));
-}
 
 }  // namespace deimg
 

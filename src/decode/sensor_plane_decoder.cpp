@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "decode/coded_data_reader.h"
+#include "graph/kernels.h"
 #include "props/byte_order.h"
 #include "storage/mem_block.h"
 #include "storage/stream_calls.h"
@@ -70,19 +71,6 @@ class Predictor {
   std::uint16_t odd_ = kLineStart;
 };
 
-/// Appends two low bits to each of `count` samples; four samples share a byte, lowest bits first.
-void MergeLowBits(const std::uint8_t* __restrict lowBits, std::uint32_t count,
-                  std::uint16_t* __restrict samples) {
-  for (std::uint32_t i = 0; i < count / 4; ++i) {
-    const int bits = lowBits[i];
-    std::uint16_t* const four = samples + 4 * std::size_t{i};
-    four[0] = static_cast<std::uint16_t>(four[0] << 2 | (bits & 3));
-    four[1] = static_cast<std::uint16_t>(four[1] << 2 | (bits >> 2 & 3));
-    four[2] = static_cast<std::uint16_t>(four[2] << 2 | (bits >> 4 & 3));
-    four[3] = static_cast<std::uint16_t>(four[3] << 2 | bits >> 6);
-  }
-}
-
 Result WriteSamples(CallerStream& plane, std::uint16_t* samples, std::uint32_t count) {
   ToLittleEndian(samples, count);
   return Write(plane, samples, 2 * count);
@@ -90,6 +78,7 @@ Result WriteSamples(CallerStream& plane, std::uint16_t* samples, std::uint32_t c
 
 Result DecodePlane(CodedDataReader& reader, const std::uint8_t* lowBits, std::uint32_t width,
                    std::uint32_t samples, std::uint16_t* chunk, CallerStream& plane) {
+  const Kernels& kernels = ChosenKernels();
   Predictor predictor(width);
   std::uint32_t chunkCount = 0;
   for (std::uint32_t block = 0; block < samples / kBlockSamples; ++block) {
@@ -98,12 +87,12 @@ Result DecodePlane(CodedDataReader& reader, const std::uint8_t* lowBits, std::ui
     predictor.Reconstruct(differences, chunk + chunkCount);
     chunkCount += kBlockSamples;
     if (chunkCount < kChunkSamples) continue;
-    MergeLowBits(lowBits, chunkCount, chunk);
+    kernels.mergeLowBitsLine(lowBits, kChunkSamples, chunk);
     lowBits += chunkCount / 4;
     DEIMG_RETURN_IF_FAILED(WriteSamples(plane, chunk, chunkCount));
     chunkCount = 0;
   }
-  MergeLowBits(lowBits, chunkCount, chunk);
+  kernels.mergeLowBitsLine(lowBits, static_cast<int>(chunkCount), chunk);
   const std::uint32_t undecoded = samples % kBlockSamples;
   std::fill_n(chunk + chunkCount, undecoded, std::uint16_t{0});
   chunkCount += undecoded;

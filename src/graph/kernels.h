@@ -104,7 +104,7 @@ struct Kernels {
   void (*colourDifferenceLine)(Line direction, Sample threshold, bool choose, Line gr, Line gb,
                                int width, MutableLine red, MutableLine blue);
   void (*medianLine)(const Sample* above, const Sample* centre, const Sample* below, int width,
-                     Sample* lowest, Sample* middle, Sample* highest, Sample* out);
+                     Sample* scratch0, Sample* scratch1, Sample* scratch2, Sample* out);
   void (*matrixRowLine)(Line r, Line gr, Line b, Line gb, const std::int16_t* row, int width,
                         MutableLine out);
   void (*matrixPairLine)(Line redMinusGreen, Line blueMinusGreen, Sample mRed, Sample mBlue,
@@ -151,6 +151,11 @@ struct Kernels {
                          MutableLine out);
   void (*correctByChromaLine)(Line cr, Line cb, const ChromaCorrection& correction, int width,
                               MutableLine y);
+
+  // Sensor plane.
+  void (*mergeLowBitsLine)(const std::uint8_t* lowBits, int count, std::uint16_t* samples);
+  void (*subtractLevelsLine)(std::uint16_t evenColumns, std::uint16_t oddColumns, int width,
+                             std::uint16_t* line);
 
   // Preview reduction.
   void (*splitPositionLine)(const std::uint16_t* line, int cells, std::uint16_t* first,

@@ -11,57 +11,39 @@ SourceStreamReader::SourceStreamReader(CallerStream& plane, const StageContext& 
       plane_(plane),
       kernels_(context.kernels),
       lastValidLine_(context.height - 1),
-      lineCache_(
-          BlockOf<Sample>::Uninitialised(static_cast<std::uint64_t>(context.width) * kCacheLines)) {
-}
+      lineCache_(BlockOf<std::uint8_t>::Uninitialised(
+          2ull * static_cast<std::uint64_t>(context.width) * kCacheLines)) {}
 
 SourceStreamReader::~SourceStreamReader() {
   if (streamOpen_) (void)Close(plane_);
 }
 
 Result SourceStreamReader::Run(int first, int last) {
-  const int top = currentLine_ + first;
-  const int bottom = currentLine_ + last;
-  if (top < cacheFirst_ || bottom > cacheLast_) DEIMG_RETURN_IF_FAILED(Fill(top));
-  cacheBase_ = currentLine_ - cacheFirst_;
+  for (int o = first; o <= last; ++o) {
+    const int line = std::clamp(currentLine_ + o, 0, lastValidLine_);
+    if (line < cacheFirst_ || line > cacheLast_) DEIMG_RETURN_IF_FAILED(Fill(line));
+    const auto offset =
+        static_cast<std::size_t>(line - cacheFirst_) * 2 * static_cast<std::size_t>(width());
+    kernels_.widenLine(lineCache_.get() + offset, width(), OwnLine(o, 0));
+  }
   return DEIMG_OK;
 }
 
-Result SourceStreamReader::Advance(int line) {
-  if (line == currentLine_) return DEIMG_OK;
-  if (currentLine_ == kNotStarted) return DEIMG_NOT_STARTED;
-  ++currentLine_;
-  return Run(runFirst(), runLast());
-}
-
-const Sample* SourceStreamReader::GetLine(int offset, int /*portIndex*/) {
-  return lineCache_.get() + static_cast<std::ptrdiff_t>(cacheBase_ + offset) * width();
-}
-
-Result SourceStreamReader::Fill(int top) {
+Result SourceStreamReader::Fill(int firstLine) {
   if (!lineCache_) return DEIMG_OUT_OF_MEMORY;
-  const auto lineBytes = 2u * static_cast<std::uint32_t>(width());
-  const int firstLine = std::max(top, 0);
-  const int lastLine = std::min(top + kCacheLines - 1, lastValidLine_);
-  const auto lines = static_cast<std::uint32_t>(lastLine - firstLine + 1);
-  const auto block = BlockOf<std::uint8_t>::Zeroed(std::uint64_t{lines} * lineBytes);
-  if (!block) return DEIMG_OUT_OF_MEMORY;
-
   if (!streamOpen_) {
     DEIMG_RETURN_IF_FAILED(Open(plane_, DEIMG_OPEN_READ));
     streamOpen_ = true;
   }
+  const int lastLine = std::min(firstLine + kCacheLines - 1, lastValidLine_);
+  const auto lineBytes = 2u * static_cast<std::uint32_t>(width());
+  const std::uint32_t bytes = static_cast<std::uint32_t>(lastLine - firstLine + 1) * lineBytes;
   DEIMG_RETURN_IF_FAILED(SeekTo(plane_, lineBytes * static_cast<std::uint32_t>(firstLine)));
   std::uint32_t delivered = 0;
-  DEIMG_RETURN_IF_FAILED(Read(plane_, block.get(), lines * lineBytes, delivered));
-
-  for (int i = 0; i < kCacheLines; ++i) {
-    const int line = std::clamp(top + i, firstLine, lastLine) - firstLine;
-    kernels_.widenLine(block.get() + static_cast<std::size_t>(line) * lineBytes, width(),
-                       lineCache_.get() + static_cast<std::ptrdiff_t>(i) * width());
-  }
-  cacheFirst_ = top;
-  cacheLast_ = top + kCacheLines - 1;
+  DEIMG_RETURN_IF_FAILED(Read(plane_, lineCache_.get(), bytes, delivered));
+  std::fill_n(lineCache_.get() + delivered, bytes - delivered, std::uint8_t{0});
+  cacheFirst_ = firstLine;
+  cacheLast_ = lastLine;
   return DEIMG_OK;
 }
 

@@ -10,9 +10,6 @@ namespace deimg {
 
 /// Serves the plane's lines, widened to 32 bits, from a cache of 200 lines that it fills with large
 /// sequential reads. Lines above and below the plane are copies of its first and last line.
-///
-/// Its port never receives a ring: consumers read it through GetLine() only, at the offsets
-/// runFirst() to runLast().
 class SourceStreamReader final : public ComponentX {
  public:
   static constexpr int kCacheLines = 200;
@@ -23,21 +20,17 @@ class SourceStreamReader final : public ComponentX {
   ~SourceStreamReader() override;
 
   [[nodiscard]] Result Run(int first, int last) override;
-  [[nodiscard]] Result Advance(int line) override;
-  [[nodiscard]] Result AllocateBuffers() override { return DEIMG_OK; }
-  [[nodiscard]] const Sample* GetLine(int offset, int portIndex) override;
 
  private:
-  [[nodiscard]] Result Fill(int top);
+  [[nodiscard]] Result Fill(int firstLine);
 
   CallerStream& plane_;
   const Kernels& kernels_;
   const int lastValidLine_;
   bool streamOpen_ = false;
-  int cacheFirst_ = 65000;  // while the cache is empty
+  int cacheFirst_ = 0;  // the plane's lines in the cache
   int cacheLast_ = -1;
-  int cacheBase_ = -1;  // cache line of the current line
-  BlockOf<Sample> lineCache_;
+  BlockOf<std::uint8_t> lineCache_;
 };
 
 }  // namespace deimg

@@ -4,6 +4,7 @@
 // end up in a process that cannot run it: it includes kernels and plain types only.
 #include "graph/kernels.h"
 
+#include "decode/plane_kernels.h"
 #include "decode/preview_kernels.h"
 #include "graph/output_kernels.h"
 #include "stages/colour/chroma_suppress_kernels.h"
@@ -73,6 +74,8 @@ const Kernels DEIMG_KERNELS = {
     .scaleLuminanceLine = ScaleLuminanceLine,
     .addDetailsLine = AddDetailsLine,
     .correctByChromaLine = CorrectByChromaLine,
+    .mergeLowBitsLine = MergeLowBitsLine,
+    .subtractLevelsLine = SubtractLevelsLine,
     .splitPositionLine = SplitPositionLine,
     .weightGridLine = WeightGridLine,
     .shrinkRow = ShrinkRow,

@@ -1,11 +1,34 @@
+#include <sys/mman.h>
+
+#include <cstdint>
 #include <cstdlib>
 
 #include "platform/platform.h"
 
 namespace deimg::platform {
+namespace {
+
+#ifdef MADV_HUGEPAGE
+constexpr std::size_t kLargeBlock = 4u << 20;
+constexpr std::uintptr_t kPage = 4096;
+
+/// Asks for huge pages: the first touch of a sensor plane in small pages costs a tenth of a job.
+void AdviseHugePages(void* allocation, std::size_t bytes) noexcept {
+  const auto start = reinterpret_cast<std::uintptr_t>(allocation);
+  const std::uintptr_t first = (start + kPage - 1) / kPage * kPage;
+  const std::uintptr_t end = (start + bytes) / kPage * kPage;
+  (void)madvise(reinterpret_cast<void*>(first), end - first, MADV_HUGEPAGE);
+}
+#endif
+
+}  // namespace
 
 void* HeapAllocate(std::size_t bytes, bool zeroed) noexcept {
-  return zeroed ? std::calloc(1, bytes) : std::malloc(bytes);
+  void* const allocation = zeroed ? std::calloc(1, bytes) : std::malloc(bytes);
+#ifdef MADV_HUGEPAGE
+  if (allocation != nullptr && bytes >= kLargeBlock) AdviseHugePages(allocation, bytes);
+#endif
+  return allocation;
 }
 
 bool HeapRelease(void* allocation) noexcept {

@@ -17,6 +17,7 @@ Result HokanCircuit::Run(int first, int last) {
   if (!setIndex) return DEIMG_UNSUPPORTED;
   ComponentX* const direction = FirstInput(TypeId::kVHDiff);
   if (direction == nullptr) return DEIMG_MISSING;
+  if (settings_.medianOff()) return DEIMG_OK;  // nobody reads the differences then
   const Sample threshold = tuning_.directionThreshold(*setIndex);
   const bool choose = tuning_.greenChoiceEnable() != 0;
   for (int o = first; o <= last; ++o) {

@@ -10,6 +10,8 @@ namespace deimg {
 /// Interpolates the mosaic and takes from red and blue either the average green or the green that
 /// the direction suggests, whichever leaves the smaller differences.
 ///
+/// The differences are for the median alone: without it none are computed.
+///
 /// Inputs: VHDiff; White Balance, three lines. Output: port 0 red minus green, ports 1 and 2 the
 /// green planes, port 3 blue minus green; four times the mosaic's scale.
 class HokanCircuit final : public ComponentX {
