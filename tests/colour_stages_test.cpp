@@ -300,11 +300,13 @@ TEST(RgbToneCurve, SevenSegments) {
 
 TEST_P(ColourKernels, LastStageRgbScalesAndClips) {
   const Samples y = {8191, 0, 100, 0}, cr = {0, 0, 0, -100}, cb = {0, 0, 40, 0};
-  Samples rgb(12);
-  k->rgbLine8(y.data(), cr.data(), cb.data(), 4, rgb.data());
-  EXPECT_EQ(rgb, (Samples{255, 255, 255, 0, 0, 0, 3, 2, 5, 0, 2, 0}));
-  k->rgbLine16(y.data(), cr.data(), cb.data(), 4, rgb.data());
-  EXPECT_EQ(rgb, (Samples{65535, 65535, 65535, 7, 7, 7, 807, 697, 1373, 0, 578, 7}));
+  std::vector<std::uint8_t> rgb(12), planes(12);
+  k->rgbLine8(y.data(), cr.data(), cb.data(), 4, planes.data(), rgb.data());
+  EXPECT_EQ(rgb, (std::vector<std::uint8_t>{255, 255, 255, 0, 0, 0, 3, 2, 5, 0, 2, 0}));
+  std::vector<std::uint16_t> deep(12), deepPlanes(12);
+  k->rgbLine16(y.data(), cr.data(), cb.data(), 4, deepPlanes.data(), deep.data());
+  EXPECT_EQ(deep,
+            (std::vector<std::uint16_t>{65535, 65535, 65535, 7, 7, 7, 807, 697, 1373, 0, 578, 7}));
 }
 
 }  // namespace

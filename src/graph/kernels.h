@@ -84,10 +84,8 @@ struct ShrinkLines {
 struct Kernels {
   // Source and last stage.
   void (*widenLine)(const std::uint8_t* bytes, int width, MutableLine out);
-  void (*rgbLine8)(Line y, Line cr, Line cb, int width, MutableLine rgb);
-  void (*rgbLine16)(Line y, Line cr, Line cb, int width, MutableLine rgb);
-  void (*packLine8)(Line samples, int count, std::uint8_t* bytes);
-  void (*packLine16)(Line samples, int count, std::uint8_t* bytes);
+  void (*rgbLine8)(Line y, Line cr, Line cb, int width, std::uint8_t* planes, std::uint8_t* rgb);
+  void (*rgbLine16)(Line y, Line cr, Line cb, int width, std::uint16_t* planes, std::uint16_t* rgb);
 
   // Colour path.
   void (*whiteBalanceLine)(Line in, int width, Sample evenGain, Sample oddGain, Sample clipLevel,

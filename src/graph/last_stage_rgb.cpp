@@ -1,5 +1,6 @@
 #include "graph/last_stage_rgb.h"
 
+#include "props/byte_order.h"
 #include "storage/stream_calls.h"
 
 namespace deimg {
@@ -11,7 +12,7 @@ constexpr int kShiftedLeft = 12;
 }  // namespace
 
 LastStageRgb::LastStageRgb(const StageContext& context, int sampleBytes, const SensorRecord& sensor)
-    : ComponentX(InfoOf(TypeId::kLastStageRgb), 3 * context.width, context.height, sampleBytes),
+    : ComponentX(InfoOf(TypeId::kLastStageRgb), 3 * context.width, context.height, sampleBytes, 1),
       kernels_(context.kernels),
       sensor_(sensor) {}
 
@@ -30,32 +31,29 @@ Result LastStageRgb::Run(int first, int last) {
   }
   if (luminance == nullptr || chroma == nullptr) return DEIMG_MISSING;
   if (sampleBytes() != 1 && sampleBytes() != 2) return DEIMG_BAD_REQUEST;
-  const auto rgbLine = sampleBytes() == 1 ? kernels_.rgbLine8 : kernels_.rgbLine16;
+  const int pixels = width() / 3;
   for (int o = first; o <= last; ++o) {
-    rgbLine(luminance->GetLine(o, 0), chroma->GetLine(o, 1), chroma->GetLine(o, 2), width() / 3,
-            OwnLine(o, 0));
+    const Sample* const y = luminance->GetLine(o, 0);
+    const Sample* const cr = chroma->GetLine(o, 1);
+    const Sample* const cb = chroma->GetLine(o, 2);
+    if (sampleBytes() == 1) {
+      kernels_.rgbLine8(y, cr, cb, pixels, reinterpret_cast<std::uint8_t*>(Scratch(0)),
+                        reinterpret_cast<std::uint8_t*>(OwnLine(o, 0)));
+    } else {
+      auto* const rgb = reinterpret_cast<std::uint16_t*>(OwnLine(o, 0));
+      kernels_.rgbLine16(y, cr, cb, pixels, reinterpret_cast<std::uint16_t*>(Scratch(0)), rgb);
+      ToLittleEndian(rgb, static_cast<std::size_t>(width()));
+    }
   }
   return DEIMG_OK;
 }
 
 Result LastStageRgb::Deliver(CallerStream& output) {
   const int left = sensor_.areaLeft;
-  const int count = 3 * (sensor_.areaRight - left + 1);
-  const auto bytes = static_cast<std::uint32_t>(count * sampleBytes());
-  if (!line_) line_ = BlockOf<std::uint8_t>::Uninitialised(bytes);
-  if (!line_) return DEIMG_OUT_OF_MEMORY;
-  const Sample* const samples = OwnLine(0, 0) + 3 * (left == kShiftedLeft ? left - 1 : left);
-  switch (sampleBytes()) {
-    case 1:
-      kernels_.packLine8(samples, count, line_.get());
-      break;
-    case 2:
-      kernels_.packLine16(samples, count, line_.get());
-      break;
-    default:
-      return DEIMG_UNSUPPORTED;
-  }
-  return Write(output, line_.get(), bytes);
+  const int pixelBytes = 3 * sampleBytes();
+  const auto bytes = static_cast<std::uint32_t>((sensor_.areaRight - left + 1) * pixelBytes);
+  const auto* const line = reinterpret_cast<const std::uint8_t*>(OwnLine(0, 0));
+  return Write(output, line + (left == kShiftedLeft ? left - 1 : left) * pixelBytes, bytes);
 }
 
 }  // namespace deimg

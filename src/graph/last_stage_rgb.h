@@ -4,13 +4,12 @@
 
 #include "graph/component.h"
 #include "graph/stage_context.h"
-#include "storage/mem_block.h"
 
 namespace deimg {
 
 /// Joins the 13-bit luminance of "YMain Procs" with the colour differences of the colour-system
 /// stage. Its port holds R, G and B of every pixel of the plane's line, interleaved and clipped to
-/// the output range.
+/// the output range: one byte a sample, or two in little-endian order.
 class LastStageRgb final : public ComponentX {
  public:
   /// `sampleBytes` is 1 or 2: 8-bit or 16-bit output.
@@ -24,7 +23,6 @@ class LastStageRgb final : public ComponentX {
  private:
   const Kernels& kernels_;
   const SensorRecord& sensor_;
-  BlockOf<std::uint8_t> line_;  // what the host receives
 };
 
 }  // namespace deimg

@@ -5,18 +5,14 @@ namespace deimg {
 namespace {
 
 template <typename Entry>
-void LookUp(const Entry* __restrict table, Sample lowest, int width, MutableLine line) {
-  for (Index x = 0; x < width; ++x) line[x] = table[Index{line[x]} - lowest];
+void LookUp(const Entry* __restrict zero, int width, MutableLine line) {
+  for (Index x = 0; x < width; ++x) line[x] = zero[Index{line[x]}];
 }
 
 }  // namespace
 
-void LookUpLine(const std::int16_t* table, Sample lowest, int width, Sample* line) {
-  LookUp(table, lowest, width, line);
-}
+void LookUpLine(const std::int16_t* zero, int width, Sample* line) { LookUp(zero, width, line); }
 
-void LookUpLine(const Sample* table, Sample lowest, int width, Sample* line) {
-  LookUp(table, lowest, width, line);
-}
+void LookUpLine(const Sample* zero, int width, Sample* line) { LookUp(zero, width, line); }
 
 }  // namespace deimg

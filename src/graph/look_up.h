@@ -12,10 +12,10 @@
 
 namespace deimg {
 
-/// In place: replaces `width` samples by the entries of a table whose first entry belongs to the
-/// sample `lowest`. 16-bit entries keep large tables in the first-level cache.
-void LookUpLine(const std::int16_t* table, Sample lowest, int width, Sample* line);
-void LookUpLine(const Sample* table, Sample lowest, int width, Sample* line);
+/// In place: replaces `width` samples by the entries of a table; `zero` is the entry of the sample
+/// 0. 16-bit entries keep large tables in the first-level cache.
+void LookUpLine(const std::int16_t* zero, int width, Sample* line);
+void LookUpLine(const Sample* zero, int width, Sample* line);
 
 }  // namespace deimg
 

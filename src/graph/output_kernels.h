@@ -14,39 +14,48 @@ static void WidenLine(const std::uint8_t* bytes, int width, MutableLine out) {
   for (Index x = 0; x < width; ++x) out[x] = bytes[2 * x] | bytes[2 * x + 1] << 8;
 }
 
-/// One line of `width` pixels: luminance y (13 bits) and colour differences to interleaved RGB,
-/// with 1024 = 1.0. The divisor brings them to the output range.
-template <Sample divisor, Sample offset, Sample highest>
-static void RgbLine(Line y, Line cr, Line cb, int width, MutableLine rgb) {
+static inline std::uint8_t To8Bits(Sample v) {
+  return static_cast<std::uint8_t>(ClampedQuotient(v, 15, 0, 255));
+}
+
+static inline std::uint16_t To16Bits(Sample v) {
+  return static_cast<std::uint16_t>(Clamp(v / 128 + 7, 0, 65535));
+}
+
+/// Luminance (13 bits) and colour differences to red, green and blue, with 1024 = 1.0.
+template <typename T, T (*toOutput)(Sample)>
+static inline void RgbPlanes(Line y, Line cr, Line cb, int width, T* __restrict r, T* __restrict g,
+                             T* __restrict b) {
   for (Index x = 0; x < width; ++x) {
     const Sample a = y[x] * 1024;
-    const Sample r = (a + 1436 * cr[x]) / divisor + offset;
-    const Sample g = (a - 352 * cb[x] - 731 * cr[x]) / divisor + offset;
-    const Sample b = (a + 1814 * cb[x] - cr[x]) / divisor + offset;
-    rgb[3 * x] = Clamp(r, 0, highest);
-    rgb[3 * x + 1] = Clamp(g, 0, highest);
-    rgb[3 * x + 2] = Clamp(b, 0, highest);
+    r[x] = toOutput(a + 1436 * cr[x]);
+    g[x] = toOutput(a - 352 * cb[x] - 731 * cr[x]);
+    b[x] = toOutput(a + 1814 * cb[x] - cr[x]);
   }
 }
 
-static void RgbLine8(Line y, Line cr, Line cb, int width, MutableLine rgb) {
-  RgbLine<32768, 0, 255>(y, cr, cb, width, rgb);
-}
-
-static void RgbLine16(Line y, Line cr, Line cb, int width, MutableLine rgb) {
-  RgbLine<128, 7, 65535>(y, cr, cb, width, rgb);
-}
-
-/// The low 8 bits, or the low 16 bits little-endian, of each sample.
-static void PackLine8(Line samples, int count, std::uint8_t* bytes) {
-  for (Index i = 0; i < count; ++i) bytes[i] = static_cast<std::uint8_t>(samples[i]);
-}
-
-static void PackLine16(Line samples, int count, std::uint8_t* bytes) {
-  for (Index i = 0; i < count; ++i) {
-    bytes[2 * i] = static_cast<std::uint8_t>(samples[i]);
-    bytes[2 * i + 1] = static_cast<std::uint8_t>(samples[i] >> 8);
+template <typename T>
+static inline void InterleaveLine(const T* __restrict r, const T* __restrict g,
+                                  const T* __restrict b, int width, T* __restrict rgb) {
+  for (Index x = 0; x < width; ++x) {
+    rgb[3 * x] = r[x];
+    rgb[3 * x + 1] = g[x];
+    rgb[3 * x + 2] = b[x];
   }
+}
+
+/// One line of `width` pixels to interleaved red, green and blue. `planes` has room for as many
+/// samples: narrow planes first and interleaving them afterwards takes two thirds of the time of
+/// interleaving 32-bit samples.
+static void RgbLine8(Line y, Line cr, Line cb, int width, std::uint8_t* planes, std::uint8_t* rgb) {
+  RgbPlanes<std::uint8_t, To8Bits>(y, cr, cb, width, planes, planes + width, planes + 2 * width);
+  InterleaveLine(planes, planes + width, planes + 2 * width, width, rgb);
+}
+
+static void RgbLine16(Line y, Line cr, Line cb, int width, std::uint16_t* planes,
+                      std::uint16_t* rgb) {
+  RgbPlanes<std::uint16_t, To16Bits>(y, cr, cb, width, planes, planes + width, planes + 2 * width);
+  InterleaveLine(planes, planes + width, planes + 2 * width, width, rgb);
 }
 
 }  // namespace deimg

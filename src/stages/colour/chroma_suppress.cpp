@@ -113,7 +113,7 @@ Result ChromaSuppress::Run(int first, int last) {
     kernels_.suppressionLevelLine(planes->GetLine(o, 0), planes->GetLine(o, 3),
                                   luminance->GetLine(o, 0), width(), Scratch(0));
     kernels_.largestLevelLine(Scratch(0), width(), Scratch(1));
-    LookUpLine(suppressTable_.get(), 0, width(), Scratch(1));
+    LookUpLine(suppressTable_.get(), width(), Scratch(1));
     kernels_.suppressLine(matrix->GetLine(o, 1), Scratch(1), gainCr_, width(), OwnLine(o, 0));
     kernels_.suppressLine(matrix->GetLine(o, 2), Scratch(1), gainCb_, width(), OwnLine(o, 1));
   }

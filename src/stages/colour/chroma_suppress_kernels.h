@@ -14,7 +14,7 @@ static void SuppressionLevelLine(Line r, Line b, Line luminance, int width, Muta
   const auto at = [&](Index x, Sample rRight, Sample bRight) {
     const Sample sum =
         r[x - 1] + 2 * r[x] + rRight + luminance[x] + 2 * (b[x - 1] + 2 * b[x] + bRight);
-    return Clamp(sum / 256 - 32, 0, kHighestSuppressionLevel);
+    return ClampedQuotient(sum, 8, 32, kHighestSuppressionLevel + 32) - 32;
   };
   level[0] = 0;
   for (Index x = 1; x < width - 1; ++x) level[x] = at(x, r[x + 1], b[x + 1]);

@@ -68,14 +68,14 @@ Result ColorSystemProc::Run(int first, int last) {
               width(), p0, p1, p2);
     if (full) {
       for (Sample* const line : {p0, p1, p2}) {
-        LookUpLine(rgbToneTable_.get(), kLowestLinear, width(), line);
+        LookUpLine(rgbToneTable_.get() - kLowestLinear, width(), line);
       }
     }
     kernels_.toColourDifferencesLine(p0, width(), p1, p2);
     if (full) {
       Sample* const gain = Scratch(0);
       kernels_.chromaLevelLine(p1, p2, width(), gain);
-      LookUpLine(chromaGainTable_.get(), 0, width(), gain);
+      LookUpLine(chromaGainTable_.get(), width(), gain);
       kernels_.adjustColourDifferencesLine(gain, tables_.colourOffsets.data(), width(), p1, p2);
     }
   }

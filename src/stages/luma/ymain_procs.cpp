@@ -145,7 +145,7 @@ Result YMainProcs::Run(int first, int last) {
       kernels_.addDetailsLine(mix->GetLine(o, 0), details, *detailGain_, width(), out);
     }
     if (!full) continue;
-    LookUpLine(toneTable_.get(), 0, width(), out);
+    LookUpLine(toneTable_.get(), width(), out);
     kernels_.correctByChromaLine(chroma->GetLine(o, 1), chroma->GetLine(o, 2), correction, width(),
                                  out);
   }

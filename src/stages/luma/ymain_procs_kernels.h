@@ -11,11 +11,9 @@ namespace deimg {
 static constexpr Sample kHighestLuminance = 8191;
 static constexpr Sample kHighestBrightness = 1023;  // level of the detail gain
 
-static Sample Clipped(Sample y) { return Clamp(y, 0, kHighestLuminance); }
-
 /// y / 8, clipped.
 static void ScaleLuminanceLine(Line y, int width, MutableLine out) {
-  for (Index x = 0; x < width; ++x) out[x] = Clipped(y[x] / 8);
+  for (Index x = 0; x < width; ++x) out[x] = ClampedQuotient(y[x], 3, 0, kHighestLuminance);
 }
 
 /// Adds the details, weighted by level.
@@ -26,17 +24,18 @@ static void AddDetailsLine(Line y, const DetailLines& details, const DetailGain&
   const Sample rise = gain.rise, riseEnd = gain.riseEnd;
   const Sample hold = gain.hold, holdEnd = gain.holdEnd;
   const Sample fall = gain.fall, end = gain.end, negativeScale = gain.negativeScale;
-  const auto enhanced = [&](Index x, Sample brightness) {
-    const Sample level = Clamp(brightness, 0, kHighestBrightness);
+  const auto enhanced = [&](Index x, Sample brightness, int shift) {
+    const Sample level = ClampedQuotient(brightness, shift, 0, kHighestBrightness);
     const Sample falling = Max(end - level, 0) * fall;
     const Sample weight = level < riseEnd ? level * rise : level < holdEnd ? hold : falling;
     const Sample detail = weight * (hNarrow[x] + hWide[x] + r[x] + v[x] + a[x]) / 128;
-    return Clipped((y[x] + (detail < 0 ? detail * negativeScale / 1024 : detail)) / 8);
+    const Sample sum = y[x] + (detail < 0 ? detail * negativeScale / 1024 : detail);
+    return ClampedQuotient(sum, 3, 0, kHighestLuminance);
   };
   const Index ends[] = {0, 1, width - 3, width - 2, width - 1};
-  for (const Index x : ends) out[x] = enhanced(x, y[x] / 64);
+  for (const Index x : ends) out[x] = enhanced(x, y[x], 6);
   for (Index x = 2; x < width - 3; ++x) {
-    out[x] = enhanced(x, (y[x - 2] + y[x + 2] + 2 * (y[x - 1] + y[x] + y[x + 1])) / 512);
+    out[x] = enhanced(x, y[x - 2] + y[x + 2] + 2 * (y[x - 1] + y[x] + y[x + 1]), 9);
   }
 }
 
@@ -49,7 +48,8 @@ static void CorrectByChromaLine(Line cr, Line cb, const ChromaCorrection& correc
   for (Index x = 0; x < width; ++x) {
     const Sample excessCr = Max(0, cr[x] - threshold);
     const Sample excessCb = Max(0, cb[x] - threshold);
-    y[x] = Clipped((2 * y[x] - (excessCr * gainCr + excessCb * gainCb) / 16 + 1) / 2);
+    const Sample twice = 2 * y[x] - (excessCr * gainCr + excessCb * gainCb) / 16 + 1;
+    y[x] = ClampedQuotient(twice, 1, 0, kHighestLuminance);
   }
 }
 
