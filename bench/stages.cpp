@@ -32,7 +32,7 @@ struct StartedGraph {
   DevelopmentTables tables;
   MemoryStream plane;
   std::optional<StageContext> context;
-  std::optional<ProcessingGraph> graph;
+  std::optional<ProcessingGraph<NarrowSample>> graph;
 };
 
 }  // namespace

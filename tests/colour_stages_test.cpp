@@ -43,11 +43,11 @@ struct Fixture {
 };
 
 TEST_P(ColourKernels, WhiteBalanceGainPedestalClip) {
-  const Samples in = {0, 100, 4095, 4095, 65535, 65535, 1000, 1001};
+  const std::uint16_t in[] = {0, 100, 4095, 4095, 65535, 65535, 1000, 1001};
   Samples out(8);
-  k->whiteBalanceLine(in.data(), 8, 1024, 1536, 4095, out.data());
+  k->wideMosaic.whiteBalanceLine(in, 8, 1024, 1536, 4095, out.data());
   EXPECT_EQ(out, (Samples{128, 278, 4095, 4095, 4095, 4095, 1128, 1629}));
-  k->whiteBalanceLine(in.data(), 8, -1024, 1024, 300, out.data());
+  k->wideMosaic.whiteBalanceLine(in, 8, -1024, 1024, 300, out.data());
   EXPECT_EQ(out[2], -4095 + 128) << "no clip below";
   EXPECT_EQ(out[1], 228);
   EXPECT_EQ(out[7], 300);
@@ -58,7 +58,7 @@ TEST(WhiteBalance, ExposureTableAndClipLevel) {
     Fixture f;
     f.settings.exposureAdjust = static_cast<std::int16_t>(adjust);
     f.settings.wbGains = {1024, green1, green2, 1024};
-    return std::make_unique<WhiteBalance>(f.context);
+    return std::make_unique<WhiteBalance<Sample>>(f.context);
   };
   EXPECT_EQ(make(0, 1024, 1024)->exposureTable(), nullptr);
   auto up = make(10, 1024, 1024);
@@ -74,11 +74,12 @@ TEST(WhiteBalance, ExposureTableAndClipLevel) {
 TEST_P(ColourKernels, VHDiffActivityDownMinusAlong) {
   const Samples ramp = {0, 10, 20, 30, 40, 50};
   Samples out(6);
-  k->directionMeasureLine(ramp.data(), ramp.data(), ramp.data(), ramp.data(), ramp.data(), 6,
-                          out.data());
+  k->wideMosaic.directionMeasureLine(ramp.data(), ramp.data(), ramp.data(), ramp.data(),
+                                     ramp.data(), 6, out.data());
   EXPECT_EQ(out, (Samples{0, 0, -20, -20, 0, 0}));
   const Samples a(6, 1), b(6, 2), c(6, 5), d(6, 9), e(6, 20);
-  k->directionMeasureLine(a.data(), b.data(), c.data(), d.data(), e.data(), 6, out.data());
+  k->wideMosaic.directionMeasureLine(a.data(), b.data(), c.data(), d.data(), e.data(), 6,
+                                     out.data());
   EXPECT_EQ(out, (Samples{0, 0, 18, 18, 0, 0}));  // |10 - 1 - 20| + |2 - 9|
 }
 
@@ -86,43 +87,44 @@ TEST_P(ColourKernels, VHDiffActivityDownMinusAlong) {
 TEST_P(ColourKernels, MosaicInterpolationFourPlanes) {
   const Samples above = {10, 20, 30, 40}, centre = {50, 60, 70, 80}, below = {90, 100, 110, 120};
   Samples r(4), gr(4), gb(4), b(4);
-  const PlaneLines planes{r.data(), gr.data(), gb.data(), b.data()};
-  k->interpolateMosaicLine(above.data(), centre.data(), below.data(), false, 4, planes);
+  const PlaneLines<Sample> planes{r.data(), gr.data(), gb.data(), b.data()};
+  k->wideMosaic.interpolateMosaicLine(above.data(), centre.data(), below.data(), false, 4, planes);
   EXPECT_EQ(r, (Samples{200, 240, 280, 280}));
   EXPECT_EQ(gr, (Samples{240, 240, 280, 320}));
   EXPECT_EQ(gb, (Samples{200, 240, 280, 280}));
   EXPECT_EQ(b, (Samples{240, 240, 280, 320}));
-  k->interpolateMosaicLine(above.data(), centre.data(), below.data(), true, 4, planes);
+  k->wideMosaic.interpolateMosaicLine(above.data(), centre.data(), below.data(), true, 4, planes);
   EXPECT_EQ(gb, (Samples{200, 240, 280, 280}));
   EXPECT_EQ(r, (Samples{200, 240, 280, 280}));
 
   const Samples direction = {-6, -5, 5, 0};
   gr = {1, 2, 3, 4};
   gb = {5, 6, 7, 8};
-  k->exchangeGreensLine(direction.data(), 5, 4, gr.data(), gb.data());
+  k->wideMosaic.exchangeGreensLine(direction.data(), 5, 4, gr.data(), gb.data());
   EXPECT_EQ(gr, (Samples{5, 2, 3, 4}));
-  k->exchangeGreensLine(direction.data(), -1, 4, gr.data(), gb.data());
+  k->wideMosaic.exchangeGreensLine(direction.data(), -1, 4, gr.data(), gb.data());
   EXPECT_EQ(gb, (Samples{5, 2, 7, 4})) << "a negative threshold exchanges at 0";
 }
 
 TEST_P(ColourKernels, HokanCircuitSmallerDifferencesWin) {
   const Samples gr = {240, 240, 280, 320}, gb = {200, 240, 280, 280}, still(4, 0);
   Samples red = {200, 240, 280, 280}, blue = {240, 240, 280, 320};
-  k->colourDifferenceLine(still.data(), 0, false, gr.data(), gb.data(), 4, red.data(), blue.data());
+  k->wideMosaic.colourDifferenceLine(still.data(), 0, false, gr.data(), gb.data(), 4, red.data(),
+                                     blue.data());
   EXPECT_EQ(red, (Samples{-20, 0, 0, -20}));
   EXPECT_EQ(blue, (Samples{20, 0, 0, 20}));
   // Directed greens: red with gb, blue with gr; a tie is theirs.
   const Samples direction = {-1, -1, 0, -1};
   red = {200, 240, 280, 281};
   blue = {240, 240, 280, 320};
-  k->colourDifferenceLine(direction.data(), 0, true, gr.data(), gb.data(), 4, red.data(),
-                          blue.data());
+  k->wideMosaic.colourDifferenceLine(direction.data(), 0, true, gr.data(), gb.data(), 4, red.data(),
+                                     blue.data());
   EXPECT_EQ(red, (Samples{0, 0, 0, 1}));
   EXPECT_EQ(blue, (Samples{0, 0, 0, 0}));
   Samples one = {0}, other = {0};
   const Samples g1 = {-1}, g2 = {-2};  // the average of -3 is -1
-  k->colourDifferenceLine(still.data(), 0, false, g1.data(), g2.data(), 1, one.data(),
-                          other.data());
+  k->wideMosaic.colourDifferenceLine(still.data(), 0, false, g1.data(), g2.data(), 1, one.data(),
+                                     other.data());
   EXPECT_EQ(one[0], 1);
   EXPECT_EQ(other[0], 1);
 }
@@ -135,8 +137,8 @@ TEST_P(ColourKernels, MedianCrCbIsTheEighthOfFifteen) {
     const Samples lines[3] = {Random(n, -range, range, seed), Random(n, -range, range, seed + 100),
                               Random(n, -range, range, seed + 200)};
     Samples out(n), s0(n), s1(n), s2(n);
-    k->medianLine(lines[0].data(), lines[1].data(), lines[2].data(), width, s0.data(), s1.data(),
-                  s2.data(), out.data());
+    k->wideMosaic.medianLine(lines[0].data(), lines[1].data(), lines[2].data(), width, s0.data(),
+                             s1.data(), s2.data(), out.data());
     for (std::size_t x = 0; x < n; ++x) {
       Sample expected = lines[1][x];
       if (x >= 2 && x + 2 < n) {
@@ -154,14 +156,128 @@ TEST_P(ColourKernels, Matrix4x3RowsTruncateTowardZero) {
   const Samples r = {2048, 1, 0}, gr = {0, 0, 0}, b = {0, 0, 0}, gb = {0, 0, 2049};
   Samples out(3);
   const std::int16_t row[] = {717, -717, -113, -1};
-  k->matrixRowLine(r.data(), gr.data(), b.data(), gb.data(), row, 3, out.data());
+  k->wideMosaic.matrixRowLine(r.data(), gr.data(), b.data(), gb.data(), row, 3, out.data());
   EXPECT_EQ(out, (Samples{717, 0, -1}));
-  k->matrixPairLine(r.data(), gb.data(), -1, -2048, 3, out.data());
+  k->wideMosaic.matrixPairLine(r.data(), gb.data(), -1, -2048, 3, out.data());
   EXPECT_EQ(out, (Samples{-1, 0, -2049}));
 }
 
+/// The lines that a chain of mosaic kernels makes of random mosaics of 0 to 4095, the extremes
+/// among them.
+template <typename T>
+class MosaicChain {
+ public:
+  MosaicChain(const MosaicKernels<T>& kernels, std::size_t width, unsigned seed)
+      : k_(kernels), n_(static_cast<int>(width)) {
+    std::mt19937 random(seed);
+    std::vector<std::uint16_t> raw(width);
+    for (auto& line : mosaic_) {
+      for (auto& s : raw) {
+        const unsigned kind = random() % 4;
+        s = static_cast<std::uint16_t>(kind == 0 ? 0 : kind == 1 ? 65535 : random() % 4096);
+      }
+      line.resize(width);
+      k_.whiteBalanceLine(raw.data(), n_, 1024 + 300 * (seed % 3), 32767, 4095, line.data());
+      Keep(line);
+    }
+  }
+
+  void Run(Sample threshold, bool choose) {
+    auto direction = Line();
+    k_.directionMeasureLine(M(1), M(2), M(3), M(4), M(5), n_, direction.data());
+    Keep(direction);
+    for (const bool odd : {false, true}) {
+      auto r = Line(), gr = Line(), gb = Line(), b = Line();
+      const PlaneLines<T> planes{r.data(), gr.data(), gb.data(), b.data()};
+      k_.interpolateMosaicLine(M(2), M(3), M(4), odd, n_, planes);
+      for (const auto* line : {&r, &gr, &gb, &b}) Keep(*line);
+      for (const Sample row : {-1, 3}) {
+        const std::int16_t m[] = {32767, static_cast<std::int16_t>(row), -32768, 999};
+        Wide([&](Sample* out) {
+          k_.matrixRowLine(r.data(), gr.data(), b.data(), gb.data(), m, n_, out);
+        });
+      }
+      Wide([&](Sample* out) {
+        k_.suppressionLevelLine(r.data(), b.data(), luminance_.data(), n_, out);
+      });
+      Wide([&](Sample* out) {
+        const std::int16_t weights[] = {-300, 256, 77};
+        k_.mixLine(r.data(), b.data(), weights, 8, n_, out);
+      });
+      auto red = r, blue = b;
+      k_.colourDifferenceLine(direction.data(), threshold, choose, gr.data(), gb.data(), n_,
+                              red.data(), blue.data());
+      Keep(red);
+      Keep(blue);
+      auto low = Line(), middle = Line(), high = Line(), median = Line();
+      k_.medianLine(red.data(), blue.data(), gr.data(), n_, low.data(), middle.data(), high.data(),
+                    median.data());
+      Keep(median);
+      Wide([&](Sample* out) {
+        k_.matrixPairLine(red.data(), median.data(), -32768, 1000, n_, out);
+      });
+      k_.exchangeGreensLine(direction.data(), threshold, n_, gr.data(), gb.data());
+      Keep(gr);
+      Keep(gb);
+      const Sample taps[] = {2, -5, 6, 26};
+      Wide([&](Sample* out) {
+        k_.verLpfLine({{M(0), M(1), M(2), M(3), M(4), M(5), M(6)}}, taps, odd, n_, out);
+      });
+    }
+    Wide([&](Sample* out) { k_.spreadEvenColumnsLine(M(3), n_, out); });
+    Wide([&](Sample* out) { k_.spreadOddColumnsLine(M(3), n_, out); });
+    Wide([&](Sample* out) {
+      k_.aFilterLine(direction.data(), luminance_.data(), luminance_.data(), luminance_.data(),
+                     {.core = 3, .step = 2, .full = 200}, n_, out);
+    });
+  }
+
+  const std::vector<Samples>& lines() const { return lines_; }
+
+ private:
+  using OwnLine = std::vector<T>;
+  OwnLine Line() const { return OwnLine(static_cast<std::size_t>(n_)); }
+  const T* M(std::size_t line) const { return mosaic_[line].data(); }
+  void Keep(const OwnLine& line) { lines_.emplace_back(line.begin(), line.end()); }
+  template <typename Kernel>
+  void Wide(Kernel kernel) {
+    Samples out(luminance_.begin(), luminance_.begin() + n_);
+    kernel(out.data());
+    lines_.push_back(std::move(out));
+  }
+
+  const MosaicKernels<T>& k_;
+  const int n_;
+  std::array<OwnLine, 7> mosaic_;
+  const Samples luminance_ = Random(200, -70000, 70000, 5);
+  std::vector<Samples> lines_;
+};
+
+TEST_P(ColourKernels, NarrowMosaicsGiveTheSameAsWideOnes) {
+  unsigned seed = 0;
+  for (const std::size_t width : {8u, 10u, 34u, 130u}) {
+    for (const Sample threshold : {-32768, -100, 0, 7, 12285, 32767}) {
+      MosaicChain<NarrowSample> narrow(k->narrowMosaic, width, ++seed);
+      MosaicChain<Sample> wide(k->wideMosaic, width, seed);
+      narrow.Run(threshold, seed % 2 == 0);
+      wide.Run(threshold, seed % 2 == 0);
+      ASSERT_EQ(narrow.lines(), wide.lines()) << width << ' ' << threshold;
+    }
+  }
+}
+
+TEST(DevelopSettings, NarrowMosaicsNeedHarmlessGains) {
+  DevelopSettings settings;
+  settings.wbGains = {0, 1024, 32767, 1};
+  EXPECT_TRUE(settings.mosaicIsNarrow());
+  settings.wbGains[2] = 32768;
+  EXPECT_FALSE(settings.mosaicIsNarrow());
+  settings.wbGains[2] = -1;
+  EXPECT_FALSE(settings.mosaicIsNarrow());
+}
+
 TEST(ChromaSuppress, CurveSegments) {
-  Samples t(ChromaSuppress::kCurveSize);
+  Samples t(kSuppressionCurveSize);
   ASSERT_EQ(BuildSuppressionCurve({0, 1, 2, 4, 10, 100, 0, 900, 8}, t.data()), DEIMG_OK);
   const std::pair<int, Sample> expected[] = {
       {0, 64},   {1, 68},   {16, 128}, {448, 128}, {449, 127}, {600, 109}, {672, 100},
@@ -184,17 +300,17 @@ TEST_P(ColourKernels, ChromaSuppressLargestLevelAround) {
   const int width = 14;
   Samples r(14, 0), b(14, 0), h(14, 256 * 40), level(14), largest(14);
   r[6] = 128 * 20;
-  k->suppressionLevelLine(r.data(), b.data(), h.data(), width, level.data());
+  k->wideMosaic.suppressionLevelLine(r.data(), b.data(), h.data(), width, level.data());
   EXPECT_EQ(level, (Samples{0, 8, 8, 8, 8, 18, 28, 18, 8, 8, 8, 8, 8, 8}));
   r[13] = 256;  // counts three times at the last column
-  k->suppressionLevelLine(r.data(), b.data(), h.data(), width, level.data());
+  k->wideMosaic.suppressionLevelLine(r.data(), b.data(), h.data(), width, level.data());
   EXPECT_EQ(level[13], 11);
   level = {99, 1, 0, 0, 0, 0, 9, 0, 0, 0, 5, 6, 7, 8};
   level[0] = 0;
   k->largestLevelLine(level.data(), width, largest.data());
   EXPECT_EQ(largest, (Samples{0, 1, 1, 9, 9, 9, 9, 9, 9, 9, 8, 6, 7, 8}));
   h.assign(14, -1000000);
-  k->suppressionLevelLine(r.data(), b.data(), h.data(), width, level.data());
+  k->wideMosaic.suppressionLevelLine(r.data(), b.data(), h.data(), width, level.data());
   EXPECT_EQ(level, Samples(14, 0));
 
   const Samples in(14, -1000), curve(14, 64);

@@ -135,7 +135,8 @@ TEST(SourceStreamReader, ServesAndRepeatsLines) {
       ASSERT_EQ(line == 0 ? reader.Start(0) : reader.Advance(line), DEIMG_OK);
       for (int o = -4; o <= 4; ++o) {
         const int expected = std::clamp(line + o, 0, height - 1) * 300 % 65536;
-        ASSERT_EQ(source.GetLine(o, 0)[7], expected) << height << ' ' << line << ' ' << o;
+        ASSERT_EQ(source.GetLine<std::uint16_t>(o, 0)[7], expected)
+            << height << ' ' << line << ' ' << o;
       }
     }
   }
@@ -156,7 +157,7 @@ TEST(ProcessingGraph, IsWiredAsTheTableSays) {
   const auto& block = *reinterpret_cast<const std::uint8_t(*)[TuningBlock::kSize]>(zeros.data());
   const StageContext context{ChosenKernels(), settings, tables, TuningBlock(block), 16, 16};
   const SensorRecord sensor{};
-  ProcessingGraph graph(*plane.get(), context, 1, sensor);
+  ProcessingGraph<Sample> graph(*plane.get(), context, 1, sensor);
   graph.Find(TypeId::kLastStageRgb)->ComputeContext(0);
   const std::map<TypeId, int> expected = {{TypeId::kSourceStreamReader, 8},
                                           {TypeId::kWhiteBalance, 8},

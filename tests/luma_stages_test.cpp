@@ -27,9 +27,9 @@ INSTANTIATE_TEST_SUITE_P(Levels, LuminanceKernels, ::testing::ValuesIn(kKernelLe
 
 TEST_P(LuminanceKernels, VerLpfKernelsBySelectorAndParity) {
   const Samples zero(2, 0), hundred(2, 100), minus(2, -7);
-  const auto run = [&](const SevenLines& lines, int selector, bool odd) {
+  const auto run = [&](const SevenLines<Sample>& lines, int selector, bool odd) {
     Samples out(2);
-    k->verLpfLine(lines, VerLpfTapsOf(selector).value().data(), odd, 2, out.data());
+    k->wideMosaic.verLpfLine(lines, VerLpfTapsOf(selector).value().data(), odd, 2, out.data());
     return out;
   };
   const Sample *z = zero.data(), *h = hundred.data();
@@ -82,8 +82,8 @@ TEST_P(LuminanceKernels, AFilterGainAndDirection) {
   const Samples zero(300, 0), four(300, 4);
   for (int slopeShift = 0; slopeShift <= 8; ++slopeShift) {
     for (const int coreLevel : {0, 1, 7, 16, 100, 250, 255, 256, 257, 65535}) {
-      k->aFilterLine(sizes.data(), zero.data(), zero.data(), four.data(),
-                     MakeAFilterGain(slopeShift, coreLevel), 300, gains.data());
+      k->wideMosaic.aFilterLine(sizes.data(), zero.data(), zero.data(), four.data(),
+                                MakeAFilterGain(slopeShift, coreLevel), 300, gains.data());
       const Samples expected = PlainAFilterGains(slopeShift, coreLevel);
       for (std::size_t i = 0; i < 300; ++i) {
         ASSERT_EQ(gains[i], expected[std::min<std::size_t>(i, 256)])
@@ -94,8 +94,8 @@ TEST_P(LuminanceKernels, AFilterGainAndDirection) {
 
   const Samples direction = {0, -300, 300, 20, -20}, vertical(5, 10), both(5, 93), hokan(5, 10);
   Samples out(5);
-  k->aFilterLine(direction.data(), vertical.data(), both.data(), hokan.data(),
-                 MakeAFilterGain(4, 16), 5, out.data());
+  k->wideMosaic.aFilterLine(direction.data(), vertical.data(), both.data(), hokan.data(),
+                            MakeAFilterGain(4, 16), 5, out.data());
   EXPECT_EQ(out, (Samples{0, 40 - 93, 80 - 93, -3, -13}));
 }
 
@@ -109,16 +109,16 @@ TEST_P(LuminanceKernels, RamenToYmixDetailAndMix) {
   Samples y(5, 1000);
   const Samples r(5, 1000), b(5, 1000);
   const std::int16_t weights[] = {77, 151, 28};
-  k->mixLine(r.data(), b.data(), weights, 0, 5, y.data());
+  k->wideMosaic.mixLine(r.data(), b.data(), weights, 0, 5, y.data());
   EXPECT_EQ(y, Samples(5, 2230));
   y.assign(5, 0);
   const Samples spike = {0, 0, 256, 0, 0}, none(5, 0);
   const std::int16_t redOnly[] = {1, 0, 0};
-  k->mixLine(spike.data(), none.data(), redOnly, 8 * -3, 5, y.data());
+  k->wideMosaic.mixLine(spike.data(), none.data(), redOnly, 8 * -3, 5, y.data());
   EXPECT_EQ(y, (Samples{24, 25, 26, 25, 24}));
   y = {0, 0};
   const std::int16_t redAndBlue[] = {1, 0, 64};
-  k->mixLine(spike.data() + 1, spike.data() + 2, redAndBlue, 0, 2, y.data());
+  k->wideMosaic.mixLine(spike.data() + 1, spike.data() + 2, redAndBlue, 0, 2, y.data());
   EXPECT_EQ(y, (Samples{256, 4})) << "a line of two samples has edges only";
 }
 
@@ -212,7 +212,7 @@ TEST_P(LuminanceKernels, VApcHighPassesAndSmoothing) {
 TEST_P(LuminanceKernels, RApcSmoothingHasAGainOf16) {
   const Samples line(8, 100);
   const Sample* const l = line.data();
-  const SevenLines in = {{l, l, l, l, l, l, l}};
+  const SevenLines<Sample> in = {{l, l, l, l, l, l, l}};
   Samples v(8), p0(8), p1(8), p2(8);
   k->verticalSmooth5Line(in, 8, v.data());
   EXPECT_EQ(v, Samples(8, 400));

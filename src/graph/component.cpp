@@ -26,17 +26,6 @@ const ComponentPort* ComponentX::port(int index) const {
   return slot ? &*slot : nullptr;
 }
 
-const Sample* ComponentX::GetLine(int offset, int portIndex) {
-  const ComponentPort* const source = port(portIndex);
-  return source == nullptr ? nullptr : source->Line(offset);
-}
-
-Sample* ComponentX::OwnLine(int offset, int portIndex) const {
-  return ports_[static_cast<std::size_t>(portIndex)]->Line(offset);
-}
-
-Sample* ComponentX::Scratch(int index) const { return scratch_->Line(index - scratchLines_ / 2); }
-
 Result ComponentX::Connect(ComponentX& input) {
   if (inputCount_ == kMostInputs) return DEIMG_BAD_REQUEST;
   inputs_[static_cast<std::size_t>(inputCount_++)] = &input;
@@ -55,12 +44,6 @@ ComponentX* ComponentX::LastInput(TypeId typeId, int slots) const {
     if (input(slot) != nullptr && input(slot)->typeId() == typeId) return input(slot);
   }
   return nullptr;
-}
-
-SevenLines ComponentX::LinesAround(ComponentX& source, int offset) {
-  SevenLines lines;
-  for (int i = 0; i < 7; ++i) lines.line[i] = source.GetLine(offset + i - 3, 0);
-  return lines;
 }
 
 Result ComponentX::AllocateBuffers() {
@@ -128,7 +111,7 @@ Result ComponentX::Advance(int line) {
 void ComponentX::CopyLines(const ComponentPort& source, ComponentPort& destination, int first,
                            int last) {
   for (int o = first; o <= last; ++o) {
-    std::copy_n(source.Line(o), source.width(), destination.Line(o));
+    std::copy_n(source.Line<Sample>(o), source.width(), destination.Line<Sample>(o));
   }
 }
 

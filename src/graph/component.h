@@ -46,8 +46,13 @@ class ComponentX {
   /// Allocates the rings once; 3 when memory is short.
   [[nodiscard]] virtual Result AllocateBuffers();
 
-  /// A port's line at this offset from the current one; null when there is none.
-  [[nodiscard]] virtual const Sample* GetLine(int offset, int portIndex);
+  /// A port's line at this offset from the current one, of samples of type T; null when there is
+  /// none.
+  template <typename T = Sample>
+  const T* GetLine(int offset, int portIndex) const {
+    const ComponentPort* const source = port(portIndex);
+    return source == nullptr ? nullptr : source->Line<T>(offset);
+  }
 
   /// Moves every port on by one line; 98 when one has no ring.
   [[nodiscard]] virtual Result Rotate();
@@ -92,12 +97,23 @@ class ComponentX {
   ComponentX* LastInput(TypeId typeId, int slots = kMostInputs) const;
 
   /// The input's lines on its port 0 around an offset.
-  static SevenLines LinesAround(ComponentX& source, int offset);
+  template <typename T>
+  static SevenLines<T> LinesAround(const ComponentX& source, int offset) {
+    SevenLines<T> lines;
+    for (int i = 0; i < 7; ++i) lines.line[i] = source.GetLine<T>(offset + i - 3, 0);
+    return lines;
+  }
 
   /// An own line, to be written.
-  Sample* OwnLine(int offset, int portIndex) const;
+  template <typename T = Sample>
+  T* OwnLine(int offset, int portIndex) const {
+    return ports_[static_cast<std::size_t>(portIndex)]->Line<T>(offset);
+  }
   /// A scratch line; its contents last until the next line is computed.
-  Sample* Scratch(int index) const;
+  template <typename T = Sample>
+  T* Scratch(int index) const {
+    return scratch_->Line<T>(index - scratchLines_ / 2);
+  }
   /// Whether the line at an offset is odd.
   bool IsOddAt(int offset) const { return IsOddLine(currentLine_ + offset); }
 

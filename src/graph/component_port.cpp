@@ -27,7 +27,7 @@ Result ComponentPort::Allocate(int lines) {
   return DEIMG_OK;
 }
 
-Sample* ComponentPort::Line(int offset) const {
+Sample* ComponentPort::LineStart(int offset) const {
   if (!buffer_ || offset < -(lines_ / 2) || offset > lines_ / 2) return nullptr;
   int i = head_ + offset;
   if (i < 0) i += lines_;
@@ -36,7 +36,7 @@ Sample* ComponentPort::Line(int offset) const {
 }
 
 Sample* ComponentPort::Rotate() {
-  Sample* const oldest = Line(-(lines_ / 2));
+  Sample* const oldest = LineStart(-(lines_ / 2));
   if (oldest != nullptr && ++head_ == lines_) head_ = 0;
   return oldest;
 }

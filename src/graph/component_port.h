@@ -25,8 +25,13 @@ class ComponentPort {
   /// memory is short.
   [[nodiscard]] Result Allocate(int lines);
 
-  /// The line at this offset, or null without a ring or outside it.
-  Sample* Line(int offset) const;
+  /// The line at this offset, or null without a ring or outside it. Every line has room for samples
+  /// as wide as Sample; a component may fill it with narrower ones.
+  template <typename T = Sample>
+  T* Line(int offset) const {
+    static_assert(sizeof(T) <= sizeof(Sample));
+    return reinterpret_cast<T*>(LineStart(offset));
+  }
 
   /// Moves the centre on by one line and returns the line that was the oldest and is now the
   /// newest; null without a ring.
@@ -36,6 +41,8 @@ class ComponentPort {
   void Reset() { head_ = lines_ / 2; }
 
  private:
+  Sample* LineStart(int offset) const;
+
   char name_[16];
   int sampleBytes_;
   int width_;

@@ -1,5 +1,8 @@
 #include "graph/develop_settings.h"
 
+#include <algorithm>
+#include <cstdint>
+
 namespace deimg {
 namespace {
 
@@ -33,6 +36,11 @@ std::optional<int> IsoClassOf(std::int16_t sensitivity) {
     if (sensitivity == kSensitivities[i]) return i;
   }
   return std::nullopt;
+}
+
+bool DevelopSettings::mosaicIsNarrow() const {
+  return std::all_of(wbGains.begin(), wbGains.end(),
+                     [](std::int32_t gain) { return gain >= 0 && gain <= INT16_MAX; });
 }
 
 Result SettleSettings(DevelopParams& params, const ImageProps& props, DevelopSettings& settings) {

@@ -35,6 +35,10 @@ struct DevelopSettings {
   bool full() const { return matrixSelect == 0; }
   bool quick() const { return processingSet == 3; }
   bool medianOff() const { return chromaMedian == -1; }
+
+  /// Whether the white balance leaves no sample outside 0 to 4095: no gain is negative, and none
+  /// makes a product with a raw sample wrap.
+  bool mosaicIsNarrow() const;
 };
 
 /// Fills the settings from the host's block, taking every field at "as recorded" from the file, and

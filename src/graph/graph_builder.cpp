@@ -3,6 +3,16 @@
 #include "graph/processing_graph.h"
 
 namespace deimg {
+namespace {
+
+template <typename T>
+Result RunGraph(CallerStream& plane, const StageContext& context, int sampleBytes,
+                const SensorRecord& sensor, CallerStream& output) {
+  ProcessingGraph<T> graph(plane, context, sampleBytes, sensor);
+  return graph.Run(output, context.tables.luminanceStatus);
+}
+
+}  // namespace
 
 Result GraphBuilder(CallerStream& plane, DevelopParams& params, const ImageProps& props,
                     std::uint32_t format, CallerStream& output) {
@@ -20,8 +30,8 @@ Result GraphBuilder(CallerStream& plane, DevelopParams& params, const ImageProps
       ChosenKernels(),    settings,           tables, TuningBlock(props.tuningBlock),
       props.sensor.width, props.sensor.height};
   const int sampleBytes = (format & 0xFF) == DEIMG_FORMAT_16BIT ? 2 : 1;
-  ProcessingGraph graph(plane, context, sampleBytes, props.sensor);
-  return graph.Run(output, tables.luminanceStatus);
+  const auto run = settings.mosaicIsNarrow() ? RunGraph<NarrowSample> : RunGraph<Sample>;
+  return run(plane, context, sampleBytes, props.sensor, output);
 }
 
 }  // namespace deimg

@@ -4,6 +4,7 @@
 #define DEIMG_GRAPH_KERNEL_MATH_H
 
 #include <cstdint>
+#include <limits>
 
 #include "graph/line.h"
 
@@ -23,9 +24,22 @@ static inline constexpr Sample Abs(Sample v) { return v < 0 ? -v : v; }
 
 /// `odd` in odd columns, `even` in even ones. Written with a mask, because compilers do not
 /// vectorise every choice by a column's parity, nor well in lanes as wide as an index.
-static inline Sample ByParity(Index x, Sample even, Sample odd) {
-  const Sample oddMask = -static_cast<Sample>(static_cast<std::uint32_t>(x) & 1);
-  return even ^ ((even ^ odd) & oddMask);
+template <typename T>
+static inline T ByParity(Index x, T even, T odd) {
+  const auto oddMask = static_cast<T>(-(static_cast<T>(x) & 1));
+  return static_cast<T>(even ^ ((even ^ odd) & oddMask));
+}
+
+/// The magnitude, no wider than the sample.
+template <typename T>
+static inline constexpr T Magnitude(T v) {
+  return static_cast<T>(v < 0 ? -v : v);
+}
+
+/// The nearest value that a sample of type T can have.
+template <typename T>
+static inline T Nearest(Sample v) {
+  return static_cast<T>(Clamp(v, std::numeric_limits<T>::min(), std::numeric_limits<T>::max()));
 }
 
 }  // namespace deimg

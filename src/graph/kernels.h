@@ -13,16 +13,18 @@
 namespace deimg {
 
 /// The four colour planes of one line.
+template <typename T>
 struct PlaneLines {
-  Sample* r;
-  Sample* gr;  // green from the greens of red lines
-  Sample* gb;  // green from the greens of blue lines
-  Sample* b;
+  T* r;
+  T* gr;  // green from the greens of red lines
+  T* gb;  // green from the greens of blue lines
+  T* b;
 };
 
 /// The seven lines around the one computed, from three above to three below.
+template <typename T>
 struct SevenLines {
-  const Sample* line[7];
+  const T* line[7];
 };
 
 /// The five detail lines that sharpen the luminance.
@@ -81,33 +83,49 @@ struct ShrinkLines {
   const Sample* third[3];
 };
 
+/// Kernels that read or write samples of the mosaic, or interpolated from it, of type T.
+template <typename T>
+struct MosaicKernels {
+  void (*whiteBalanceLine)(const std::uint16_t* in, int width, Sample evenGain, Sample oddGain,
+                           Sample clipLevel, T* out);
+  void (*directionMeasureLine)(const T* u2, const T* u1, const T* m, const T* d1, const T* d2,
+                               int width, T* out);
+  void (*interpolateMosaicLine)(const T* above, const T* centre, const T* below, bool oddLine,
+                                int width, const PlaneLines<T>& out);
+  void (*exchangeGreensLine)(const T* direction, Sample threshold, int width, T* gr, T* gb);
+  void (*colourDifferenceLine)(const T* direction, Sample threshold, bool choose, const T* gr,
+                               const T* gb, int width, T* red, T* blue);
+  void (*medianLine)(const T* above, const T* centre, const T* below, int width, T* lowest,
+                     T* middle, T* highest, T* out);
+  void (*matrixRowLine)(const T* r, const T* gr, const T* b, const T* gb, const std::int16_t* row,
+                        int width, MutableLine out);
+  void (*matrixPairLine)(const T* redMinusGreen, const T* blueMinusGreen, Sample mRed, Sample mBlue,
+                         int width, MutableLine out);
+  void (*suppressionLevelLine)(const T* r, const T* b, Line luminance, int width,
+                               MutableLine level);
+  void (*spreadEvenColumnsLine)(const T* in, int width, MutableLine out);
+  void (*spreadOddColumnsLine)(const T* in, int width, MutableLine out);
+  void (*verLpfLine)(const SevenLines<T>& in, const Sample* taps, bool oddLine, int width,
+                     MutableLine out);
+  void (*aFilterLine)(const T* direction, Line vertical, Line both, Line horizontal,
+                      const AFilterGain& gain, int width, MutableLine out);
+  void (*mixLine)(const T* r, const T* b, const std::int16_t* weights, Sample pedestal, int width,
+                  MutableLine y);
+};
+
 struct Kernels {
-  // Source and last stage.
-  void (*widenLine)(const std::uint8_t* bytes, int width, MutableLine out);
+  MosaicKernels<NarrowSample> narrowMosaic;
+  MosaicKernels<Sample> wideMosaic;
+  template <typename T>
+  const MosaicKernels<T>& mosaic() const;
+
+  // Last stage.
   void (*rgbLine8)(Line y, Line cr, Line cb, int width, std::uint8_t* planes, std::uint8_t* rgb);
   void (*rgbLine16)(Line y, Line cr, Line cb, int width, std::uint16_t* planes, std::uint16_t* rgb);
 
   // Colour path.
-  void (*whiteBalanceLine)(Line in, int width, Sample evenGain, Sample oddGain, Sample clipLevel,
-                           MutableLine out);
-  void (*exposureLine)(Line in, int width, const std::uint16_t* table, MutableLine out);
-  void (*directionMeasureLine)(Line u2, Line u1, Line m, Line d1, Line d2, int width,
-                               MutableLine out);
-  void (*spreadEvenColumnsLine)(Line in, int width, MutableLine out);
-  void (*spreadOddColumnsLine)(Line in, int width, MutableLine out);
-  void (*interpolateMosaicLine)(const Sample* above, const Sample* centre, const Sample* below,
-                                bool oddLine, int width, const PlaneLines& out);
-  void (*exchangeGreensLine)(Line direction, Sample threshold, int width, MutableLine gr,
-                             MutableLine gb);
-  void (*colourDifferenceLine)(Line direction, Sample threshold, bool choose, Line gr, Line gb,
-                               int width, MutableLine red, MutableLine blue);
-  void (*medianLine)(const Sample* above, const Sample* centre, const Sample* below, int width,
-                     Sample* scratch0, Sample* scratch1, Sample* scratch2, Sample* out);
-  void (*matrixRowLine)(Line r, Line gr, Line b, Line gb, const std::int16_t* row, int width,
-                        MutableLine out);
-  void (*matrixPairLine)(Line redMinusGreen, Line blueMinusGreen, Sample mRed, Sample mBlue,
-                         int width, MutableLine out);
-  void (*suppressionLevelLine)(Line r, Line b, Line luminance, int width, MutableLine level);
+  void (*exposureLine)(const std::uint16_t* in, int width, const std::uint16_t* table,
+                       std::uint16_t* out);
   void (*largestLevelLine)(Line level, int width, MutableLine largest);
   void (*suppressLine)(Line in, Line curve, Sample gain, int width, MutableLine out);
   void (*toRgbLine9)(Line luminance, Line c1, Line c2, const Sample* black, int width,
@@ -120,28 +138,23 @@ struct Kernels {
                                       MutableLine cb);
 
   // Luminance path.
-  void (*verLpfLine)(const SevenLines& in, const Sample* taps, bool oddLine, int width,
-                     MutableLine out);
   void (*horLpfLine)(Line in, const Sample* taps, int tapCount, Sample divisor, int width,
                      MutableLine out);
-  void (*aFilterLine)(Line direction, Line vertical, Line both, Line horizontal,
-                      const AFilterGain& gain, int width, MutableLine out);
   void (*addDetailLine)(Line luminance, Line detail, Sample gain, Sample mixGain, int width,
                         MutableLine mixed, MutableLine enhanced);
-  void (*mixLine)(Line r, Line b, const std::int16_t* weights, Sample pedestal, int width,
-                  MutableLine y);
   void (*apcCurveLine)(Line in, const ApcSegments& curve, int width, MutableLine out);
   void (*narrowHighPassLine)(Line in, const ApcSegments& curve, int width, MutableLine out);
   void (*wideHighPassLine)(Line in, const ApcSegments& curve, int width, MutableLine out);
   void (*verticalHighPass3Line)(Line u2, Line m, Line d2, int width, MutableLine out);
-  void (*verticalHighPass7Line)(const SevenLines& in, int width, MutableLine out);
+  void (*verticalHighPass7Line)(const SevenLines<Sample>& in, int width, MutableLine out);
   void (*smoothDetailLine)(Line in, const ApcSegments& curve, int width, MutableLine out);
-  void (*verticalSmooth5Line)(const SevenLines& in, int width, MutableLine out);
-  void (*verticalSmooth7Line)(const SevenLines& in, const Sample* taps, int width, MutableLine out);
+  void (*verticalSmooth5Line)(const SevenLines<Sample>& in, int width, MutableLine out);
+  void (*verticalSmooth7Line)(const SevenLines<Sample>& in, const Sample* taps, int width,
+                              MutableLine out);
   void (*horizontalSmooth121Line)(Line in, int width, MutableLine out);
   void (*horizontalSmooth5Line)(Line in, Sample centre, Sample far, Sample border, int width,
                                 MutableLine out);
-  void (*referenceLine)(const SevenLines& in, int width, MutableLine out);
+  void (*referenceLine)(const SevenLines<Sample>& in, int width, MutableLine out);
   void (*blendLine)(Line reference, Line smooth0, Line smooth1, Sample weight,
                     const ApcSegments& curve, int width, MutableLine out);
   void (*scaleLuminanceLine)(Line y, int width, MutableLine out);
@@ -165,6 +178,15 @@ struct Kernels {
   void (*halveRow)(const std::uint16_t* r0, const std::uint16_t* r1, const std::uint16_t* r2,
                    const std::uint16_t* r3, int count, std::uint16_t* out);
 };
+
+template <>
+inline const MosaicKernels<NarrowSample>& Kernels::mosaic<NarrowSample>() const {
+  return narrowMosaic;
+}
+template <>
+inline const MosaicKernels<Sample>& Kernels::mosaic<Sample>() const {
+  return wideMosaic;
+}
 
 enum class KernelLevel { kBaseline, kAvx2, kAvx512 };
 inline constexpr KernelLevel kKernelLevels[] = {KernelLevel::kBaseline, KernelLevel::kAvx2,

@@ -11,6 +11,12 @@ namespace deimg {
 /// truncate toward zero, right shifts are arithmetic.
 using Sample = std::int32_t;
 
+/// The mosaic, and what is interpolated from it up to the median, fits in 16 bits whenever the
+/// white balance leaves no sample outside 0 to 4095, and narrow lines take half the time.
+/// Components and kernels of that part of the graph are templates over T, the type of the mosaic's
+/// samples: this one, or Sample where nothing is known.
+using NarrowSample = std::int16_t;
+
 /// A line that a kernel reads, and one that it writes. A written line never overlaps another one of
 /// the same kernel, so that loops over whole lines can be vectorised.
 using Line = const Sample* __restrict;

@@ -1,4 +1,4 @@
-/// Kernels of the source in source_stream_reader.h and the last stage in last_stage_rgb.h.
+/// Kernels of the last stage in last_stage_rgb.h.
 #ifndef DEIMG_GRAPH_OUTPUT_KERNELS_H
 #define DEIMG_GRAPH_OUTPUT_KERNELS_H
 
@@ -8,11 +8,6 @@
 #include "graph/line.h"
 
 namespace deimg {
-
-/// Widens a line of unsigned 16-bit little-endian samples.
-static void WidenLine(const std::uint8_t* bytes, int width, MutableLine out) {
-  for (Index x = 0; x < width; ++x) out[x] = bytes[2 * x] | bytes[2 * x + 1] << 8;
-}
 
 static inline std::uint8_t To8Bits(Sample v) {
   return static_cast<std::uint8_t>(ClampedQuotient(v, 15, 0, 255));

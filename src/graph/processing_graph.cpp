@@ -7,8 +7,9 @@ constexpr int kLeastBetweenReports = 12;  // percent
 
 }  // namespace
 
-ProcessingGraph::ProcessingGraph(CallerStream& plane, const StageContext& context,
-                                 int outputSampleBytes, const SensorRecord& sensor)
+template <typename T>
+ProcessingGraph<T>::ProcessingGraph(CallerStream& plane, const StageContext& context,
+                                    int outputSampleBytes, const SensorRecord& sensor)
     : sensor_(sensor),
       source_(plane, context),
       whiteBalance_(context),
@@ -38,7 +39,8 @@ ProcessingGraph::ProcessingGraph(CallerStream& plane, const StageContext& contex
   }
 }
 
-ComponentX* ProcessingGraph::Find(TypeId typeId) {
+template <typename T>
+ComponentX* ProcessingGraph<T>::Find(TypeId typeId) {
   ComponentX* const components[] = {
       &source_,         &whiteBalance_, &hokanVH_, &vhDiff_, &hokanCircuit_, &medianCrCb_, &matrix_,
       &chromaSuppress_, &colorSystem_,  &verLpf_,  &horLpf_, &hokanLpf_,     &aFilter_,    &ramen_,
@@ -50,7 +52,8 @@ ComponentX* ProcessingGraph::Find(TypeId typeId) {
   return nullptr;
 }
 
-Result ProcessingGraph::Run(CallerStream& output, Result status) {
+template <typename T>
+Result ProcessingGraph<T>::Run(CallerStream& output, Result status) {
   const int firstLine = sensor_.areaTop;
   const int lastLine = sensor_.areaBottom;
   const bool reports = output.Progress != nullptr;
@@ -78,5 +81,8 @@ Result ProcessingGraph::Run(CallerStream& output, Result status) {
   output.Close(output.cookie, &status);
   return status;
 }
+
+template class ProcessingGraph<NarrowSample>;
+template class ProcessingGraph<Sample>;
 
 }  // namespace deimg

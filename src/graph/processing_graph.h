@@ -28,7 +28,9 @@
 
 namespace deimg {
 
-/// Owns the components; they are destroyed in the reverse order of their construction.
+/// T is the type of the mosaic's samples, see line.h. Owns the components; they are destroyed in
+/// the reverse order of their construction.
+template <typename T>
 class ProcessingGraph {
  public:
   ProcessingGraph(CallerStream& plane, const StageContext& context, int outputSampleBytes,
@@ -45,19 +47,19 @@ class ProcessingGraph {
  private:
   const SensorRecord& sensor_;
   SourceStreamReader source_;
-  WhiteBalance whiteBalance_;
-  HokanVH hokanVH_;
-  VHDiff vhDiff_;
-  HokanCircuit hokanCircuit_;
-  MedianCrCb medianCrCb_;
-  Matrix4x3 matrix_;
-  ChromaSuppress chromaSuppress_;
+  WhiteBalance<T> whiteBalance_;
+  HokanVH<T> hokanVH_;
+  VHDiff<T> vhDiff_;
+  HokanCircuit<T> hokanCircuit_;
+  MedianCrCb<T> medianCrCb_;
+  Matrix4x3<T> matrix_;
+  ChromaSuppress<T> chromaSuppress_;
   ColorSystemProc colorSystem_;
-  VerLpfForAFilter verLpf_;
+  VerLpfForAFilter<T> verLpf_;
   HorLpfForAFilter horLpf_;
-  AFilterHokanLpf hokanLpf_;
-  AFilterMain aFilter_;
-  RamenToYmix ramen_;
+  AFilterHokanLpf<T> hokanLpf_;
+  AFilterMain<T> aFilter_;
+  RamenToYmix<T> ramen_;
   YMainProcs yMain_;
   HApcProcs hApc_;
   RApcProcs rApc_;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "props/byte_order.h"
 #include "storage/stream_calls.h"
 
 namespace deimg {
@@ -9,10 +10,9 @@ namespace deimg {
 SourceStreamReader::SourceStreamReader(CallerStream& plane, const StageContext& context)
     : ComponentX(InfoOf(TypeId::kSourceStreamReader), context.width, context.height, 2),
       plane_(plane),
-      kernels_(context.kernels),
       lastValidLine_(context.height - 1),
-      lineCache_(BlockOf<std::uint8_t>::Uninitialised(
-          2ull * static_cast<std::uint64_t>(context.width) * kCacheLines)) {}
+      lineCache_(BlockOf<std::uint16_t>::Uninitialised(static_cast<std::uint64_t>(context.width) *
+                                                       kCacheLines)) {}
 
 SourceStreamReader::~SourceStreamReader() {
   if (streamOpen_) (void)Close(plane_);
@@ -22,9 +22,8 @@ Result SourceStreamReader::Run(int first, int last) {
   for (int o = first; o <= last; ++o) {
     const int line = std::clamp(currentLine_ + o, 0, lastValidLine_);
     if (line < cacheFirst_ || line > cacheLast_) DEIMG_RETURN_IF_FAILED(Fill(line));
-    const auto offset =
-        static_cast<std::size_t>(line - cacheFirst_) * 2 * static_cast<std::size_t>(width());
-    kernels_.widenLine(lineCache_.get() + offset, width(), OwnLine(o, 0));
+    std::copy_n(lineCache_.get() + std::ptrdiff_t{line - cacheFirst_} * width(), width(),
+                OwnLine<std::uint16_t>(o, 0));
   }
   return DEIMG_OK;
 }
@@ -41,7 +40,9 @@ Result SourceStreamReader::Fill(int firstLine) {
   DEIMG_RETURN_IF_FAILED(SeekTo(plane_, lineBytes * static_cast<std::uint32_t>(firstLine)));
   std::uint32_t delivered = 0;
   DEIMG_RETURN_IF_FAILED(Read(plane_, lineCache_.get(), bytes, delivered));
-  std::fill_n(lineCache_.get() + delivered, bytes - delivered, std::uint8_t{0});
+  const std::uint32_t samples = bytes / 2;
+  std::fill_n(lineCache_.get() + delivered / 2, samples - delivered / 2, std::uint16_t{0});
+  ToLittleEndian(lineCache_.get(), samples);  // and back, which is the same
   cacheFirst_ = firstLine;
   cacheLast_ = lastLine;
   return DEIMG_OK;

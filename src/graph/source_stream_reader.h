@@ -8,8 +8,8 @@
 
 namespace deimg {
 
-/// Serves the plane's lines, widened to 32 bits, from a cache of 200 lines that it fills with large
-/// sequential reads. Lines above and below the plane are copies of its first and last line.
+/// Serves the plane's lines, unsigned 16-bit samples, from a cache of 200 lines that it fills with
+/// large sequential reads. Lines above and below the plane are copies of its first and last line.
 class SourceStreamReader final : public ComponentX {
  public:
   static constexpr int kCacheLines = 200;
@@ -25,12 +25,11 @@ class SourceStreamReader final : public ComponentX {
   [[nodiscard]] Result Fill(int firstLine);
 
   CallerStream& plane_;
-  const Kernels& kernels_;
   const int lastValidLine_;
   bool streamOpen_ = false;
   int cacheFirst_ = 0;  // the plane's lines in the cache
   int cacheLast_ = -1;
-  BlockOf<std::uint8_t> lineCache_;
+  BlockOf<std::uint16_t> lineCache_;
 };
 
 }  // namespace deimg

@@ -28,23 +28,31 @@
 
 namespace deimg {
 
+template <typename T>
+static constexpr MosaicKernels<T> kMosaicKernels = {
+    .whiteBalanceLine = WhiteBalanceLine<T>,
+    .directionMeasureLine = DirectionMeasureLine<T>,
+    .interpolateMosaicLine = InterpolateMosaicLine<T>,
+    .exchangeGreensLine = ExchangeGreensLine<T>,
+    .colourDifferenceLine = ColourDifferenceLine<T>,
+    .medianLine = MedianLine<T>,
+    .matrixRowLine = MatrixRowLine<T>,
+    .matrixPairLine = MatrixPairLine<T>,
+    .suppressionLevelLine = SuppressionLevelLine<T>,
+    .spreadEvenColumnsLine = SpreadEvenColumnsLine<T>,
+    .spreadOddColumnsLine = SpreadOddColumnsLine<T>,
+    .verLpfLine = VerLpfLine<T>,
+    .aFilterLine = AFilterLine<T>,
+    .mixLine = MixLine<T>,
+};
+
 extern const Kernels DEIMG_KERNELS;
 const Kernels DEIMG_KERNELS = {
-    .widenLine = WidenLine,
+    .narrowMosaic = kMosaicKernels<NarrowSample>,
+    .wideMosaic = kMosaicKernels<Sample>,
     .rgbLine8 = RgbLine8,
     .rgbLine16 = RgbLine16,
-    .whiteBalanceLine = WhiteBalanceLine,
     .exposureLine = ExposureLine,
-    .directionMeasureLine = DirectionMeasureLine,
-    .spreadEvenColumnsLine = SpreadEvenColumnsLine,
-    .spreadOddColumnsLine = SpreadOddColumnsLine,
-    .interpolateMosaicLine = InterpolateMosaicLine,
-    .exchangeGreensLine = ExchangeGreensLine,
-    .colourDifferenceLine = ColourDifferenceLine,
-    .medianLine = MedianLine,
-    .matrixRowLine = MatrixRowLine,
-    .matrixPairLine = MatrixPairLine,
-    .suppressionLevelLine = SuppressionLevelLine,
     .largestLevelLine = LargestLevelLine,
     .suppressLine = SuppressLine,
     .toRgbLine9 = ToRgbLine9,
@@ -52,11 +60,8 @@ const Kernels DEIMG_KERNELS = {
     .toColourDifferencesLine = ToColourDifferencesLine,
     .chromaLevelLine = ChromaLevelLine,
     .adjustColourDifferencesLine = AdjustColourDifferencesLine,
-    .verLpfLine = VerLpfLine,
     .horLpfLine = HorLpfLine,
-    .aFilterLine = AFilterLine,
     .addDetailLine = AddDetailLine,
-    .mixLine = MixLine,
     .apcCurveLine = ApcCurveLine,
     .narrowHighPassLine = NarrowHighPassLine,
     .wideHighPassLine = WideHighPassLine,

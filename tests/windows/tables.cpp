@@ -61,9 +61,10 @@ void PrintExposure() {
     Digest digest;
     for (std::int32_t green = 700; green < 4000; green += 7) {
       settings.wbGains = {1024, green, green + 1, 1024};
-      const WhiteBalance stage({ChosenKernels(), settings, tables, TuningBlock(bytes), 16, 16});
+      const WhiteBalance<Sample> stage(
+          {ChosenKernels(), settings, tables, TuningBlock(bytes), 16, 16});
       digest.Add(stage.clipLevel());
-      if (adjust != 0) digest.Add(stage.exposureTable(), WhiteBalance::kTableSize);
+      if (adjust != 0) digest.Add(stage.exposureTable(), kExposureTableSize);
     }
     digest.Print("exposure", adjust);
   }
@@ -77,7 +78,7 @@ void PrintCurves() {
     params[1] = Random16(0, 255);
     for (std::size_t i = 2; i < 5; ++i) params[i] = Random16(0, 11);
     for (std::size_t i = 5; i < 8; ++i) params[i] = Random16(-300, 300);
-    std::vector<Sample> table(ChromaSuppress::kCurveSize);
+    std::vector<Sample> table(kSuppressionCurveSize);
     std::iota(table.begin(), table.end(), -512);
     std::vector<Sample> curve(table.size());
     ChosenKernels().apcCurveLine(table.data(), MakeApcCurve(params, 1024, 0), 1024, curve.data());
@@ -87,7 +88,7 @@ void PrintCurves() {
         {RandomU16(64), RandomU16(4), RandomU16(12), RandomU16(12), RandomU16(64), RandomU16(128),
          RandomU16(2), RandomU16(1024), RandomU16(64)},
         table.data()));
-    suppression.Add(table.data(), ChromaSuppress::kCurveSize);
+    suppression.Add(table.data(), kSuppressionCurveSize);
 
     BuildChromaGainTable({Random16(0, 255), Random16(0, 255), Random16(0, 255), Random16(-64, 64),
                           Random16(-64, 64), Random16(0, 255), Random16(-64, 64)},

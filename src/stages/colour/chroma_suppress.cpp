@@ -9,7 +9,7 @@
 namespace deimg {
 namespace {
 
-constexpr Sample kHighestLevel = ChromaSuppress::kCurveSize - 1;
+constexpr Sample kHighestLevel = kSuppressionCurveSize - 1;
 constexpr Sample kFull = 128;
 
 struct DarkRamp {
@@ -86,7 +86,8 @@ Result BuildSuppressionCurve(const std::array<std::uint16_t, 9>& e, Sample* tabl
   return DEIMG_OK;
 }
 
-ChromaSuppress::ChromaSuppress(const StageContext& context)
+template <typename T>
+ChromaSuppress<T>::ChromaSuppress(const StageContext& context)
     : ComponentX(InfoOf(TypeId::kChromaSuppress), context.width, context.height, 4, 2),
       kernels_(context.kernels),
       settings_(context.settings),
@@ -94,15 +95,17 @@ ChromaSuppress::ChromaSuppress(const StageContext& context)
       gainCr_(settings_.plain() ? kFull : context.tables.chromaGainCr),
       gainCb_(settings_.plain() ? kFull : context.tables.chromaGainCb) {}
 
-Result ChromaSuppress::BuildTable() {
-  auto table = BlockOf<Sample>::Zeroed(kCurveSize);
+template <typename T>
+Result ChromaSuppress<T>::BuildTable() {
+  auto table = BlockOf<Sample>::Zeroed(kSuppressionCurveSize);
   if (!table) return DEIMG_OUT_OF_MEMORY;
   DEIMG_RETURN_IF_FAILED(BuildSuppressionCurve(parameters_, table.get()));
   suppressTable_ = std::move(table);
   return DEIMG_OK;
 }
 
-Result ChromaSuppress::Run(int first, int last) {
+template <typename T>
+Result ChromaSuppress<T>::Run(int first, int last) {
   if (!suppressTable_) DEIMG_RETURN_IF_FAILED(BuildTable());
   constexpr int kSlots = 3;
   ComponentX* const luminance = LastInput(TypeId::kHorLpfForAFilter, kSlots);
@@ -110,8 +113,8 @@ Result ChromaSuppress::Run(int first, int last) {
   ComponentX* const planes = LastInput(TypeId::kHokanVH, kSlots);
   if (luminance == nullptr || matrix == nullptr || planes == nullptr) return DEIMG_MISSING;
   for (int o = first; o <= last; ++o) {
-    kernels_.suppressionLevelLine(planes->GetLine(o, 0), planes->GetLine(o, 3),
-                                  luminance->GetLine(o, 0), width(), Scratch(0));
+    kernels_.mosaic<T>().suppressionLevelLine(planes->GetLine<T>(o, 0), planes->GetLine<T>(o, 3),
+                                              luminance->GetLine(o, 0), width(), Scratch(0));
     kernels_.largestLevelLine(Scratch(0), width(), Scratch(1));
     LookUpLine(suppressTable_.get(), width(), Scratch(1));
     kernels_.suppressLine(matrix->GetLine(o, 1), Scratch(1), gainCr_, width(), OwnLine(o, 0));
@@ -119,5 +122,8 @@ Result ChromaSuppress::Run(int first, int last) {
   }
   return DEIMG_OK;
 }
+
+template class ChromaSuppress<NarrowSample>;
+template class ChromaSuppress<Sample>;
 
 }  // namespace deimg

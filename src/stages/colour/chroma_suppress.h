@@ -11,15 +11,16 @@
 
 namespace deimg {
 
+inline constexpr int kSuppressionCurveSize = 1024;
+
 /// Scales both colour differences by a gain that the local brightness selects from a curve, and by
 /// a fixed gain each.
 ///
 /// Inputs: the matrix, ports 1 and 2; the low-passed luminance of HorLpf; red and blue of the V/H
 /// interpolation. Output: ports 0 and 1, the suppressed colour differences, same scale.
+template <typename T>
 class ChromaSuppress final : public ComponentX {
  public:
-  static constexpr int kCurveSize = 1024;
-
   explicit ChromaSuppress(const StageContext& context);
 
   [[nodiscard]] Result Run(int first, int last) override;

@@ -10,7 +10,9 @@ namespace deimg {
 static constexpr Sample kHighestSuppressionLevel = 1023;
 
 /// Brightness levels, 0 to 1023, from red, blue and the low-passed luminance; column 0 gets 0.
-static void SuppressionLevelLine(Line r, Line b, Line luminance, int width, MutableLine level) {
+template <typename T>
+static void SuppressionLevelLine(const T* __restrict r, const T* __restrict b, Line luminance,
+                                 int width, MutableLine level) {
   const auto at = [&](Index x, Sample rRight, Sample bRight) {
     const Sample sum =
         r[x - 1] + 2 * r[x] + rRight + luminance[x] + 2 * (b[x - 1] + 2 * b[x] + bRight);

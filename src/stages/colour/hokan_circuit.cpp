@@ -4,13 +4,15 @@
 
 namespace deimg {
 
-HokanCircuit::HokanCircuit(const StageContext& context)
+template <typename T>
+HokanCircuit<T>::HokanCircuit(const StageContext& context)
     : ComponentX(InfoOf(TypeId::kHokanCircuit), context.width, context.height, 4),
       kernels_(context.kernels),
       settings_(context.settings),
       tuning_(context.tuning) {}
 
-Result HokanCircuit::Run(int first, int last) {
+template <typename T>
+Result HokanCircuit<T>::Run(int first, int last) {
   ComponentX* const mosaic = FirstInput(TypeId::kWhiteBalance);
   if (mosaic == nullptr) return DEIMG_MISSING;
   const auto setIndex = settings_.setIndex();
@@ -20,14 +22,18 @@ Result HokanCircuit::Run(int first, int last) {
   if (settings_.medianOff()) return DEIMG_OK;  // nobody reads the differences then
   const Sample threshold = tuning_.directionThreshold(*setIndex);
   const bool choose = tuning_.greenChoiceEnable() != 0;
+  const auto& kernels = kernels_.mosaic<T>();
   for (int o = first; o <= last; ++o) {
-    const PlaneLines out{OwnLine(o, 0), OwnLine(o, 1), OwnLine(o, 2), OwnLine(o, 3)};
-    kernels_.interpolateMosaicLine(mosaic->GetLine(o - 1, 0), mosaic->GetLine(o, 0),
-                                   mosaic->GetLine(o + 1, 0), IsOddAt(o), width(), out);
-    kernels_.colourDifferenceLine(direction->GetLine(o, 0), threshold, choose, out.gr, out.gb,
-                                  width(), out.r, out.b);
+    const PlaneLines<T> out{OwnLine<T>(o, 0), OwnLine<T>(o, 1), OwnLine<T>(o, 2), OwnLine<T>(o, 3)};
+    kernels.interpolateMosaicLine(mosaic->GetLine<T>(o - 1, 0), mosaic->GetLine<T>(o, 0),
+                                  mosaic->GetLine<T>(o + 1, 0), IsOddAt(o), width(), out);
+    kernels.colourDifferenceLine(direction->GetLine<T>(o, 0), threshold, choose, out.gr, out.gb,
+                                 width(), out.r, out.b);
   }
   return DEIMG_OK;
 }
+
+template class HokanCircuit<NarrowSample>;
+template class HokanCircuit<Sample>;
 
 }  // namespace deimg

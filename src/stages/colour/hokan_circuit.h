@@ -14,6 +14,7 @@ namespace deimg {
 ///
 /// Inputs: VHDiff; White Balance, three lines. Output: port 0 red minus green, ports 1 and 2 the
 /// green planes, port 3 blue minus green; four times the mosaic's scale.
+template <typename T>
 class HokanCircuit final : public ComponentX {
  public:
   explicit HokanCircuit(const StageContext& context);

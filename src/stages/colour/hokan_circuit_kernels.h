@@ -9,17 +9,21 @@ namespace deimg {
 
 /// Replaces red and blue by their differences from green. The greens change roles where the
 /// direction is below -threshold and `choose` is set. A tie goes to the greens of the direction.
-static void ColourDifferenceLine(Line direction, Sample threshold, bool choose, Line gr, Line gb,
-                                 int width, MutableLine red, MutableLine blue) {
+template <typename T>
+static void ColourDifferenceLine(const T* __restrict direction, Sample threshold, bool choose,
+                                 const T* __restrict gr, const T* __restrict gb, int width,
+                                 T* __restrict red, T* __restrict blue) {
+  // Nothing lies below the lowest value.
+  const T limit = choose ? Nearest<T>(-threshold) : std::numeric_limits<T>::min();
   for (Index x = 0; x < width; ++x) {
-    const Sample average = (gr[x] + gb[x]) / 2;
-    const Sample averageRed = red[x] - average;
-    const Sample averageBlue = blue[x] - average;
-    const bool exchange = choose && direction[x] < -threshold;
-    const Sample directedRed = red[x] - (exchange ? gb[x] : gr[x]);
-    const Sample directedBlue = blue[x] - (exchange ? gr[x] : gb[x]);
-    const bool useAverage =
-        Abs(directedRed) + Abs(directedBlue) > Abs(averageRed) + Abs(averageBlue);
+    const auto average = static_cast<T>(static_cast<T>(gr[x] + gb[x]) / 2);
+    const auto averageRed = static_cast<T>(red[x] - average);
+    const auto averageBlue = static_cast<T>(blue[x] - average);
+    const bool exchange = direction[x] < limit;
+    const auto directedRed = static_cast<T>(red[x] - (exchange ? gb[x] : gr[x]));
+    const auto directedBlue = static_cast<T>(blue[x] - (exchange ? gr[x] : gb[x]));
+    const bool useAverage = static_cast<T>(Magnitude(directedRed) + Magnitude(directedBlue)) >
+                            static_cast<T>(Magnitude(averageRed) + Magnitude(averageBlue));
     red[x] = useAverage ? averageRed : directedRed;
     blue[x] = useAverage ? averageBlue : directedBlue;
   }

@@ -12,6 +12,7 @@ namespace deimg {
 ///
 /// Inputs: White Balance, three lines; VHDiff. Output: ports 0 to 3, R, Gr, Gb and B, four times
 /// the mosaic's scale.
+template <typename T>
 class HokanVH final : public ComponentX {
  public:
   explicit HokanVH(const StageContext& context);

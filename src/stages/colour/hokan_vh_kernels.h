@@ -8,12 +8,14 @@
 namespace deimg {
 
 /// Exchanges gr and gb wherever the direction is below -threshold.
-static void ExchangeGreensLine(Line direction, Sample threshold, int width, MutableLine gr,
-                               MutableLine gb) {
+template <typename T>
+static void ExchangeGreensLine(const T* __restrict direction, Sample threshold, int width,
+                               T* __restrict gr, T* __restrict gb) {
+  const T limit = Nearest<T>(-threshold);
   for (Index x = 0; x < width; ++x) {
-    const bool exchange = direction[x] < -threshold;
-    const Sample first = gr[x];
-    const Sample second = gb[x];
+    const bool exchange = direction[x] < limit;
+    const T first = gr[x];
+    const T second = gb[x];
     gr[x] = exchange ? second : first;
     gb[x] = exchange ? first : second;
   }

@@ -14,34 +14,40 @@ constexpr ColourMatrix kBuiltInMatrix = {
 
 }  // namespace
 
-Matrix4x3::Matrix4x3(const StageContext& context)
+template <typename T>
+Matrix4x3<T>::Matrix4x3(const StageContext& context)
     : ComponentX(InfoOf(TypeId::kMatrix4x3), context.width, context.height, 4),
       kernels_(context.kernels),
       coefficients_(context.settings.plain() ? kBuiltInMatrix : context.tables.colourMatrix),
       fromPlanes_(context.settings.medianOff()) {}
 
-Result Matrix4x3::Run(int first, int last) {
+template <typename T>
+Result Matrix4x3<T>::Run(int first, int last) {
   ComponentX* const planes = LastInput(TypeId::kHokanVH);
   ComponentX* const median = LastInput(TypeId::kMedianCrCb);
   if (planes == nullptr || median == nullptr) return DEIMG_MISSING;
   const auto& m = coefficients_;
+  const auto& kernels = kernels_.mosaic<T>();
   for (int o = first; o <= last; ++o) {
-    const Sample* const r = planes->GetLine(o, 0);
-    const Sample* const gr = planes->GetLine(o, 1);
-    const Sample* const gb = planes->GetLine(o, 2);
-    const Sample* const b = planes->GetLine(o, 3);
-    kernels_.matrixRowLine(r, gr, b, gb, &m[4], width(), OwnLine(o, 0));
+    const T* const r = planes->GetLine<T>(o, 0);
+    const T* const gr = planes->GetLine<T>(o, 1);
+    const T* const gb = planes->GetLine<T>(o, 2);
+    const T* const b = planes->GetLine<T>(o, 3);
+    kernels.matrixRowLine(r, gr, b, gb, &m[4], width(), OwnLine(o, 0));
     if (fromPlanes_) {
-      kernels_.matrixRowLine(r, gr, b, gb, &m[0], width(), OwnLine(o, 1));
-      kernels_.matrixRowLine(r, gr, b, gb, &m[8], width(), OwnLine(o, 2));
+      kernels.matrixRowLine(r, gr, b, gb, &m[0], width(), OwnLine(o, 1));
+      kernels.matrixRowLine(r, gr, b, gb, &m[8], width(), OwnLine(o, 2));
     } else {
-      const Sample* const cr = median->GetLine(o, 0);
-      const Sample* const cb = median->GetLine(o, 1);
-      kernels_.matrixPairLine(cr, cb, m[0], m[2], width(), OwnLine(o, 1));
-      kernels_.matrixPairLine(cr, cb, m[8], m[10], width(), OwnLine(o, 2));
+      const T* const cr = median->GetLine<T>(o, 0);
+      const T* const cb = median->GetLine<T>(o, 1);
+      kernels.matrixPairLine(cr, cb, m[0], m[2], width(), OwnLine(o, 1));
+      kernels.matrixPairLine(cr, cb, m[8], m[10], width(), OwnLine(o, 2));
     }
   }
   return DEIMG_OK;
 }
+
+template class Matrix4x3<NarrowSample>;
+template class Matrix4x3<Sample>;
 
 }  // namespace deimg

@@ -19,6 +19,7 @@ using ColourMatrix = std::array<std::int16_t, 12>;
 ///
 /// Inputs: V/H interpolation, Median CrCb. Output: port 0 luminance, ports 1 and 2 the colour
 /// differences, four times the mosaic's scale.
+template <typename T>
 class Matrix4x3 final : public ComponentX {
  public:
   explicit Matrix4x3(const StageContext& context);

@@ -11,7 +11,9 @@ namespace deimg {
 static constexpr Sample kMatrixOne = 2048;
 
 /// One row of the matrix on four planes.
-static void MatrixRowLine(Line r, Line gr, Line b, Line gb, const std::int16_t* row, int width,
+template <typename T>
+static void MatrixRowLine(const T* __restrict r, const T* __restrict gr, const T* __restrict b,
+                          const T* __restrict gb, const std::int16_t* row, int width,
                           MutableLine out) {
   const Sample m0 = row[0], m1 = row[1], m2 = row[2], m3 = row[3];
   for (Index x = 0; x < width; ++x) {
@@ -20,8 +22,9 @@ static void MatrixRowLine(Line r, Line gr, Line b, Line gb, const std::int16_t* 
 }
 
 /// The red and blue coefficients of a row on the two colour differences.
-static void MatrixPairLine(Line redMinusGreen, Line blueMinusGreen, Sample mRed, Sample mBlue,
-                           int width, MutableLine out) {
+template <typename T>
+static void MatrixPairLine(const T* __restrict redMinusGreen, const T* __restrict blueMinusGreen,
+                           Sample mRed, Sample mBlue, int width, MutableLine out) {
   for (Index x = 0; x < width; ++x) {
     out[x] = (redMinusGreen[x] * mRed + blueMinusGreen[x] * mBlue) / kMatrixOne;
   }

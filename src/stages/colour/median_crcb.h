@@ -12,6 +12,7 @@ namespace deimg {
 ///
 /// Input: the colour-difference interpolation, ports 0 and 3, three lines. Output: ports 0 and 1,
 /// the same scale.
+template <typename T>
 class MedianCrCb final : public ComponentX {
  public:
   explicit MedianCrCb(const StageContext& context);

@@ -2,8 +2,6 @@
 #ifndef DEIMG_STAGES_COLOUR_MEDIAN_CRCB_KERNELS_H
 #define DEIMG_STAGES_COLOUR_MEDIAN_CRCB_KERNELS_H
 
-#include <cstdint>
-
 #include "graph/line.h"
 
 namespace deimg {
@@ -55,7 +53,7 @@ static inline T MedianOf5(T a, T b, T c, T d, T e) {
 /// eight values four are below and four above, so the median of the seven is the median of all.
 template <typename T>
 static inline void MedianOfColumnsLine(const T* __restrict lowest, const T* __restrict middle,
-                                       const T* __restrict highest, int width, MutableLine out) {
+                                       const T* __restrict highest, int width, T* __restrict out) {
   for (Index x = 2; x < width - 2; ++x) {
     T l0 = lowest[x - 2], l1 = lowest[x - 1], l2 = lowest[x], l3 = lowest[x + 1];
     Order(l0, l1);
@@ -94,36 +92,13 @@ static inline void MedianOfColumnsLine(const T* __restrict lowest, const T* __re
   }
 }
 
-/// Narrows a line; false when some sample does not fit.
-static inline bool NarrowLine(Line in, int width, std::int16_t* __restrict out) {
-  std::uint32_t seen = 0;
-  for (Index x = 0; x < width; ++x) {
-    seen |= static_cast<std::uint32_t>(in[x] + 32768);
-    out[x] = static_cast<std::int16_t>(in[x]);
-  }
-  return seen <= 65535;
-}
-
-/// One line of medians; the two outer columns on each side are copied from the centre line. Lines
-/// that fit are narrowed to 16 bits first, which halves the time. The scratch lines hold the narrow
-/// lines and the columns' three values in ascending order.
-static void MedianLine(const Sample* above, const Sample* centre, const Sample* below, int width,
-                       Sample* scratch0, Sample* scratch1, Sample* scratch2, Sample* out) {
-  // Each scratch line has room for two narrow ones.
-  auto* const narrowAbove = reinterpret_cast<std::int16_t*>(scratch0);
-  auto* const narrowCentre = reinterpret_cast<std::int16_t*>(scratch1);
-  auto* const narrowBelow = reinterpret_cast<std::int16_t*>(scratch2);
-  if (NarrowLine(above, width, narrowAbove) && NarrowLine(centre, width, narrowCentre) &&
-      NarrowLine(below, width, narrowBelow)) {
-    std::int16_t* const lowest = narrowAbove + width;
-    std::int16_t* const middle = narrowCentre + width;
-    std::int16_t* const highest = narrowBelow + width;
-    SortColumnsLine(narrowAbove, narrowCentre, narrowBelow, width, lowest, middle, highest);
-    MedianOfColumnsLine(lowest, middle, highest, width, out);
-  } else {
-    SortColumnsLine(above, centre, below, width, scratch0, scratch1, scratch2);
-    MedianOfColumnsLine(scratch0, scratch1, scratch2, width, out);
-  }
+/// One line of medians; the two outer columns on each side are copied from the centre line. The
+/// scratch lines hold the columns' three values in ascending order.
+template <typename T>
+static void MedianLine(const T* above, const T* centre, const T* below, int width, T* lowest,
+                       T* middle, T* highest, T* out) {
+  SortColumnsLine(above, centre, below, width, lowest, middle, highest);
+  MedianOfColumnsLine(lowest, middle, highest, width, out);
   out[0] = centre[0];
   out[1] = centre[1];
   out[width - 2] = centre[width - 2];

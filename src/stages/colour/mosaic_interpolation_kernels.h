@@ -11,55 +11,61 @@ namespace deimg {
 /// Fills a line from the samples of its even (odd) columns: they are doubled, the columns between
 /// get the sum of both neighbours; at the end of the line the one neighbour counts twice. The
 /// output has twice the scale of the input. `width` is even.
-static void SpreadEvenColumnsLine(Line in, int width, MutableLine out) {
+template <typename T>
+static void SpreadEvenColumnsLine(const T* __restrict in, int width, MutableLine out) {
   for (Index x = 1; x < width - 1; ++x) {
-    out[x] = ByParity(x, 2 * in[x], in[x - 1] + in[x + 1]);
+    out[x] = ByParity<Sample>(x, 2 * in[x], in[x - 1] + in[x + 1]);
   }
   out[0] = 2 * in[0];
   out[width - 1] = 2 * in[width - 2];
 }
 
-static void SpreadOddColumnsLine(Line in, int width, MutableLine out) {
+template <typename T>
+static void SpreadOddColumnsLine(const T* __restrict in, int width, MutableLine out) {
   for (Index x = 1; x < width - 1; ++x) {
-    out[x] = ByParity(x, in[x - 1] + in[x + 1], 2 * in[x]);
+    out[x] = ByParity<Sample>(x, in[x - 1] + in[x + 1], 2 * in[x]);
   }
   out[0] = 2 * in[1];
   out[width - 1] = 2 * in[width - 1];
 }
 
 /// The planes of the two colours on the line itself: of its even and of its odd columns.
-static void InterpolateOwnColoursLine(Line centre, int width, MutableLine even, MutableLine odd) {
+template <typename T>
+static inline void InterpolateOwnColoursLine(const T* __restrict centre, int width,
+                                             T* __restrict even, T* __restrict odd) {
   for (Index x = 1; x < width - 1; ++x) {
-    const Sample here = 4 * centre[x];
-    const Sample beside = 2 * (centre[x - 1] + centre[x + 1]);
+    const auto here = static_cast<T>(4 * centre[x]);
+    const auto beside = static_cast<T>(2 * (centre[x - 1] + centre[x + 1]));
     even[x] = ByParity(x, here, beside);
     odd[x] = ByParity(x, beside, here);
   }
-  even[0] = 4 * centre[0];
-  odd[0] = 4 * centre[1];
-  even[width - 1] = 4 * centre[width - 2];
-  odd[width - 1] = 4 * centre[width - 1];
+  even[0] = static_cast<T>(4 * centre[0]);
+  odd[0] = static_cast<T>(4 * centre[1]);
+  even[width - 1] = static_cast<T>(4 * centre[width - 2]);
+  odd[width - 1] = static_cast<T>(4 * centre[width - 1]);
 }
 
 /// The planes of the two colours that the lines above and below have.
-static void InterpolateOtherColoursLine(Line above, Line below, int width, MutableLine even,
-                                        MutableLine odd) {
+template <typename T>
+static inline void InterpolateOtherColoursLine(const T* __restrict above, const T* __restrict below,
+                                               int width, T* __restrict even, T* __restrict odd) {
   for (Index x = 1; x < width - 1; ++x) {
-    const Sample here = 2 * (above[x] + below[x]);
-    const Sample beside = above[x - 1] + below[x - 1] + above[x + 1] + below[x + 1];
+    const auto here = static_cast<T>(2 * (above[x] + below[x]));
+    const auto beside = static_cast<T>(above[x - 1] + below[x - 1] + above[x + 1] + below[x + 1]);
     even[x] = ByParity(x, here, beside);
     odd[x] = ByParity(x, beside, here);
   }
-  even[0] = 2 * (above[0] + below[0]);
-  odd[0] = 2 * (above[1] + below[1]);
-  even[width - 1] = 2 * (above[width - 2] + below[width - 2]);
-  odd[width - 1] = 2 * (above[width - 1] + below[width - 1]);
+  even[0] = static_cast<T>(2 * (above[0] + below[0]));
+  odd[0] = static_cast<T>(2 * (above[1] + below[1]));
+  even[width - 1] = static_cast<T>(2 * (above[width - 2] + below[width - 2]));
+  odd[width - 1] = static_cast<T>(2 * (above[width - 1] + below[width - 1]));
 }
 
 /// Interpolates one line of the mosaic bilinearly into four planes at four times its scale;
 /// `above`, `centre` and `below` are mosaic lines.
-static void InterpolateMosaicLine(const Sample* above, const Sample* centre, const Sample* below,
-                                  bool oddLine, int width, const PlaneLines& out) {
+template <typename T>
+static void InterpolateMosaicLine(const T* above, const T* centre, const T* below, bool oddLine,
+                                  int width, const PlaneLines<T>& out) {
   // Red lines hold red and Gr, blue lines Gb and blue.
   if (oddLine) {
     InterpolateOwnColoursLine(centre, width, out.gb, out.b);

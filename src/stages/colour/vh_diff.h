@@ -11,6 +11,7 @@ namespace deimg {
 ///
 /// Input: White Balance port 0, five lines. Output: port 0, in the mosaic's scale, signed; negative
 /// where the picture changes more along the line.
+template <typename T>
 class VHDiff final : public ComponentX {
  public:
   explicit VHDiff(const StageContext& context);

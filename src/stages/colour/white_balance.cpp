@@ -7,7 +7,7 @@
 namespace deimg {
 namespace {
 
-constexpr Sample kHighest = WhiteBalance::kTableSize - 1;
+constexpr Sample kHighest = kExposureTableSize - 1;
 constexpr int kLargestAdjustment = 20;  // tenths of a stop
 
 bool IsSupported(int adjust) {
@@ -26,7 +26,8 @@ double ExposureFactor(int adjust) {
 
 }  // namespace
 
-WhiteBalance::WhiteBalance(const StageContext& context)
+template <typename T>
+WhiteBalance<T>::WhiteBalance(const StageContext& context)
     : ComponentX(InfoOf(TypeId::kWhiteBalance), context.width, context.height, 4, 1),
       kernels_(context.kernels),
       settings_(context.settings) {
@@ -37,14 +38,15 @@ WhiteBalance::WhiteBalance(const StageContext& context)
     const Sample greenGain = (settings_.wbGains[1] + settings_.wbGains[2]) / 2;
     clipLevel_ = std::min(Truncated(4096.0 * factor * greenGain / 1024.0), kHighest);
   }
-  exposureTable_ = BlockOf<std::uint16_t>::Zeroed(kTableSize);
+  exposureTable_ = BlockOf<std::uint16_t>::Zeroed(kExposureTableSize);
   if (!exposureTable_) return;
-  for (int i = 0; i < kTableSize; ++i) {
+  for (int i = 0; i < kExposureTableSize; ++i) {
     exposureTable_[static_cast<std::size_t>(i)] = Low16(std::min(Truncated(i * factor), kHighest));
   }
 }
 
-Result WhiteBalance::Run(int first, int last) {
+template <typename T>
+Result WhiteBalance<T>::Run(int first, int last) {
   if (!settings_.wbGainsSet) return DEIMG_UNSUPPORTED;
   ComponentX* const source = input(0);
   if (source == nullptr || source->typeId() != TypeId::kSourceStreamReader) return DEIMG_MISSING;
@@ -52,16 +54,21 @@ Result WhiteBalance::Run(int first, int last) {
   if (!IsSupported(adjust)) return DEIMG_MISSING;
   if (adjust != 0 && !exposureTable_) return DEIMG_OUT_OF_MEMORY;
   for (int o = first; o <= last; ++o) {
-    const Sample* in = source->GetLine(o, 0);
+    const auto* in = source->GetLine<std::uint16_t>(o, 0);
     if (adjust != 0) {
-      kernels_.exposureLine(in, width(), exposureTable_.get(), Scratch(0));
-      in = Scratch(0);
+      auto* const exposed = Scratch<std::uint16_t>(0);
+      kernels_.exposureLine(in, width(), exposureTable_.get(), exposed);
+      in = exposed;
     }
     const std::size_t site = IsOddAt(o) ? 2 : 0;
-    kernels_.whiteBalanceLine(in, width(), settings_.wbGains[site], settings_.wbGains[site + 1],
-                              clipLevel_, OwnLine(o, 0));
+    kernels_.mosaic<T>().whiteBalanceLine(in, width(), settings_.wbGains[site],
+                                          settings_.wbGains[site + 1], clipLevel_,
+                                          OwnLine<T>(o, 0));
   }
   return DEIMG_OK;
 }
+
+template class WhiteBalance<NarrowSample>;
+template class WhiteBalance<Sample>;
 
 }  // namespace deimg

@@ -8,15 +8,16 @@
 
 namespace deimg {
 
+inline constexpr int kExposureTableSize = 4096;
+
 /// Multiplies every raw sample by the gain of its colour site (1024 = 1.0), adds a pedestal of 128
 /// and clips at the white level. Even lines hold red and green, odd lines green and blue.
 ///
 /// Input: the source, one line. Output: port 0, the white-balanced mosaic, the scale of the raw
 /// samples; not clipped below.
+template <typename T>
 class WhiteBalance final : public ComponentX {
  public:
-  static constexpr int kTableSize = 4096;
-
   explicit WhiteBalance(const StageContext& context);
 
   [[nodiscard]] Result Run(int first, int last) override;
@@ -28,7 +29,7 @@ class WhiteBalance final : public ComponentX {
  private:
   const Kernels& kernels_;
   const DevelopSettings& settings_;
-  Sample clipLevel_ = kTableSize - 1;
+  Sample clipLevel_ = kExposureTableSize - 1;
   BlockOf<std::uint16_t> exposureTable_;
 };
 

@@ -13,16 +13,18 @@ static constexpr Sample kPedestal = 128;
 static constexpr Sample kHighestRawSample = 4095;
 
 /// Gain, pedestal and clip on one line whose even and odd columns have a gain each.
-static void WhiteBalanceLine(Line in, int width, Sample evenGain, Sample oddGain, Sample clipLevel,
-                             MutableLine out) {
+template <typename T>
+static void WhiteBalanceLine(const std::uint16_t* __restrict in, int width, Sample evenGain,
+                             Sample oddGain, Sample clipLevel, T* __restrict out) {
   for (Index x = 0; x < width; ++x) {
     const Sample gain = ByParity(x, evenGain, oddGain);
-    out[x] = Min(in[x] * gain / kGainOne + kPedestal, clipLevel);
+    out[x] = static_cast<T>(Min(in[x] * gain / kGainOne + kPedestal, clipLevel));
   }
 }
 
 /// Looks raw samples up; larger ones than the table holds count as its last.
-static void ExposureLine(Line in, int width, const std::uint16_t* table, MutableLine out) {
+static void ExposureLine(const std::uint16_t* __restrict in, int width, const std::uint16_t* table,
+                         std::uint16_t* __restrict out) {
   for (Index x = 0; x < width; ++x) out[x] = table[Min(in[x], kHighestRawSample)];
 }
 

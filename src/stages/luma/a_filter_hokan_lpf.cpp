@@ -11,13 +11,15 @@ constexpr int kSelectors[] = {24, 33, 42, 55, 98, 111, 116, 125, 128};
 
 }  // namespace
 
-AFilterHokanLpf::AFilterHokanLpf(const StageContext& context)
+template <typename T>
+AFilterHokanLpf<T>::AFilterHokanLpf(const StageContext& context)
     : ComponentX(InfoOf(TypeId::kAFilterHokanLpf), context.width, context.height, 4),
       kernels_(context.kernels),
       settings_(context.settings),
       tuning_(context.tuning) {}
 
-Result AFilterHokanLpf::Run(int first, int last) {
+template <typename T>
+Result AFilterHokanLpf<T>::Run(int first, int last) {
   ComponentX* const mosaic = input(0);
   if (mosaic == nullptr || mosaic->typeId() != TypeId::kWhiteBalance) return DEIMG_UNSUPPORTED;
   const auto setIndex = settings_.setIndex();
@@ -26,13 +28,17 @@ Result AFilterHokanLpf::Run(int first, int last) {
   if (std::find(std::begin(kSelectors), std::end(kSelectors), selector) == std::end(kSelectors)) {
     return DEIMG_UNSUPPORTED;
   }
+  const auto& kernels = kernels_.mosaic<T>();
   for (int o = first; o <= last; ++o) {
     // Green lies on the even columns of odd lines and on the odd columns of even ones.
     const auto spreadLine =
-        IsOddAt(o) ? kernels_.spreadEvenColumnsLine : kernels_.spreadOddColumnsLine;
-    spreadLine(mosaic->GetLine(o, 0), width(), OwnLine(o, 0));
+        IsOddAt(o) ? kernels.spreadEvenColumnsLine : kernels.spreadOddColumnsLine;
+    spreadLine(mosaic->GetLine<T>(o, 0), width(), OwnLine(o, 0));
   }
   return DEIMG_OK;
 }
+
+template class AFilterHokanLpf<NarrowSample>;
+template class AFilterHokanLpf<Sample>;
 
 }  // namespace deimg

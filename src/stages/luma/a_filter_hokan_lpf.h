@@ -11,6 +11,7 @@ namespace deimg {
 /// sum of both neighbours.
 ///
 /// Input: White Balance, one line. Output: port 0, twice the mosaic's scale.
+template <typename T>
 class AFilterHokanLpf final : public ComponentX {
  public:
   explicit AFilterHokanLpf(const StageContext& context);

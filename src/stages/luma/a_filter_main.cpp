@@ -18,13 +18,15 @@ AFilterGain MakeAFilterGain(int slopeShift, int coreLevel) {
   return {.core = coreLevel, .step = step, .full = std::min(rampEnd, kLargestSize)};
 }
 
-AFilterMain::AFilterMain(const StageContext& context)
+template <typename T>
+AFilterMain<T>::AFilterMain(const StageContext& context)
     : ComponentX(InfoOf(TypeId::kAFilterMain), context.width, context.height, 4),
       kernels_(context.kernels),
       settings_(context.settings),
       tuning_(context.tuning) {}
 
-Result AFilterMain::Run(int first, int last) {
+template <typename T>
+Result AFilterMain<T>::Run(int first, int last) {
   ComponentX* direction = nullptr;
   ComponentX* vertical = nullptr;
   ComponentX* both = nullptr;
@@ -58,10 +60,14 @@ Result AFilterMain::Run(int first, int last) {
   if (slopeShift > kSteepestShift) return DEIMG_UNSUPPORTED;
   const AFilterGain gain = MakeAFilterGain(slopeShift, tuning_.aFilterCoreLevel(*setIndex));
   for (int o = first; o <= last; ++o) {
-    kernels_.aFilterLine(direction->GetLine(o, 0), vertical->GetLine(o, 0), both->GetLine(o, 0),
-                         horizontal->GetLine(o, 0), gain, width(), OwnLine(o, 0));
+    kernels_.mosaic<T>().aFilterLine(direction->GetLine<T>(o, 0), vertical->GetLine(o, 0),
+                                     both->GetLine(o, 0), horizontal->GetLine(o, 0), gain, width(),
+                                     OwnLine(o, 0));
   }
   return DEIMG_OK;
 }
+
+template class AFilterMain<NarrowSample>;
+template class AFilterMain<Sample>;
 
 }  // namespace deimg

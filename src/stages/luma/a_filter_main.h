@@ -13,6 +13,7 @@ namespace deimg {
 ///
 /// Inputs: VHDiff, VerLpf (4 x the mosaic's scale), HorLpf (16 x), A-Filter Hokan LPF (2 x).
 /// Output: port 0, signed detail, 16 x.
+template <typename T>
 class AFilterMain final : public ComponentX {
  public:
   explicit AFilterMain(const StageContext& context);

@@ -11,7 +11,8 @@ static constexpr Sample kFullAFilterGain = 32;
 static constexpr Sample kLargestAFilterSize = 256;  // always full gain
 
 /// One line.
-static void AFilterLine(Line direction, Line vertical, Line both, Line horizontal,
+template <typename T>
+static void AFilterLine(const T* __restrict direction, Line vertical, Line both, Line horizontal,
                         const AFilterGain& gain, int width, MutableLine out) {
   const Sample core = gain.core, step = gain.step, full = gain.full;
   for (Index x = 0; x < width; ++x) {

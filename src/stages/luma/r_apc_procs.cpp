@@ -58,7 +58,7 @@ Result RApcProcs::Run(int first, int last) {
       MakeApcCurve(tuning_.apcCurve(*setIndex, TuningBlock::ApcCurveId::kR), kCurveSize, kShift);
 
   for (int o = first; o <= last; ++o) {
-    const SevenLines in = LinesAround(*luminance, o);
+    const SevenLines<Sample> in = LinesAround<Sample>(*luminance, o);
     Sample* const p1 = OwnLine(o, 1);
     Sample* const p2 = OwnLine(o, 2);
     Sample* const vertical = Scratch(0);

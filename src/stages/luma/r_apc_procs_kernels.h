@@ -10,14 +10,14 @@
 namespace deimg {
 
 /// Vertical low-passes with a gain of 4: (1, 4, 6, 4, 1) / 4, and two of seven taps in sixteenths.
-static void VerticalSmooth5Line(const SevenLines& in, int width, MutableLine out) {
+static void VerticalSmooth5Line(const SevenLines<Sample>& in, int width, MutableLine out) {
   const Line u2 = in.line[1], u1 = in.line[2], m = in.line[3], d1 = in.line[4], d2 = in.line[5];
   for (Index x = 0; x < width; ++x) {
     out[x] = (6 * m[x] + 4 * (u1[x] + d1[x]) + (u2[x] + d2[x])) / 4;
   }
 }
 
-static void VerticalSmooth7Line(const SevenLines& in, const Sample* taps, int width,
+static void VerticalSmooth7Line(const SevenLines<Sample>& in, const Sample* taps, int width,
                                 MutableLine out) {
   const Line u3 = in.line[0], u2 = in.line[1], u1 = in.line[2], m = in.line[3], d1 = in.line[4],
              d2 = in.line[5], d3 = in.line[6];
@@ -49,7 +49,7 @@ static void HorizontalSmooth5Line(Line in, Sample centre, Sample far, Sample bor
 }
 
 /// Reference (1, 2, 1) down the columns with a gain of 16.
-static void ReferenceLine(const SevenLines& in, int width, MutableLine out) {
+static void ReferenceLine(const SevenLines<Sample>& in, int width, MutableLine out) {
   const Line u1 = in.line[2], m = in.line[3], d1 = in.line[4];
   for (Index x = 0; x < width; ++x) out[x] = (u1[x] + 2 * m[x] + d1[x]) * 4;
 }

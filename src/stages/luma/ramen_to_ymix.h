@@ -15,6 +15,7 @@ namespace deimg {
 ///
 /// Inputs: A-Filter, HorLpf (both 16 x the mosaic's scale), V/H interpolation (4 x). Output: port 0
 /// the luminance mix, port 1 the low-passed luminance with its detail.
+template <typename T>
 class RamenToYmix final : public ComponentX {
  public:
   explicit RamenToYmix(const StageContext& context);

@@ -30,7 +30,7 @@ Result VApcProcs::Run(int first, int last) {
       MakeApcCurve(tuning_.apcCurve(*setIndex, TuningBlock::ApcCurveId::kV), kCurveSize, kShift);
   const int filter = tuning_.vApcFilter(*setIndex);
   for (int o = first; o <= last; ++o) {
-    const SevenLines in = LinesAround(*luminance, o);
+    const SevenLines<Sample> in = LinesAround<Sample>(*luminance, o);
     Sample* const own = OwnLine(o, 0);
     Sample* const detail = Scratch(0);
     if (filter == kThreeLines) {

@@ -14,7 +14,7 @@ static void VerticalHighPass3Line(Line u2, Line m, Line d2, int width, MutableLi
   for (Index x = 0; x < width; ++x) out[x] = (2 * m[x] - u2[x] - d2[x]) / 2;
 }
 
-static void VerticalHighPass7Line(const SevenLines& in, int width, MutableLine out) {
+static void VerticalHighPass7Line(const SevenLines<Sample>& in, int width, MutableLine out) {
   const Line u3 = in.line[0], u2 = in.line[1], u1 = in.line[2], m = in.line[3], d1 = in.line[4],
              d2 = in.line[5], d3 = in.line[6];
   for (Index x = 0; x < width; ++x) {

@@ -22,13 +22,15 @@ std::optional<VerLpfTaps> VerLpfTapsOf(int selector) {
   return std::nullopt;
 }
 
-VerLpfForAFilter::VerLpfForAFilter(const StageContext& context)
+template <typename T>
+VerLpfForAFilter<T>::VerLpfForAFilter(const StageContext& context)
     : ComponentX(InfoOf(TypeId::kVerLpfForAFilter), context.width, context.height, 4),
       kernels_(context.kernels),
       settings_(context.settings),
       tuning_(context.tuning) {}
 
-Result VerLpfForAFilter::Run(int first, int last) {
+template <typename T>
+Result VerLpfForAFilter<T>::Run(int first, int last) {
   const auto setIndex = settings_.setIndex();
   if (!setIndex) return DEIMG_UNSUPPORTED;
   const auto taps = VerLpfTapsOf(tuning_.verLpfKernelSelect(*setIndex));
@@ -36,9 +38,13 @@ Result VerLpfForAFilter::Run(int first, int last) {
   ComponentX* const mosaic = input(0);
   if (mosaic == nullptr) return DEIMG_MISSING;
   for (int o = first; o <= last; ++o) {
-    kernels_.verLpfLine(LinesAround(*mosaic, o), taps->data(), IsOddAt(o), width(), OwnLine(o, 0));
+    kernels_.mosaic<T>().verLpfLine(LinesAround<T>(*mosaic, o), taps->data(), IsOddAt(o), width(),
+                                    OwnLine(o, 0));
   }
   return DEIMG_OK;
 }
+
+template class VerLpfForAFilter<NarrowSample>;
+template class VerLpfForAFilter<Sample>;
 
 }  // namespace deimg

@@ -18,6 +18,7 @@ using VerLpfTaps = std::array<Sample, 4>;
 /// three lines away (t0 t2 t2 t0).
 ///
 /// Input: White Balance, seven lines. Output: port 0, four times the mosaic's scale.
+template <typename T>
 class VerLpfForAFilter final : public ComponentX {
  public:
   explicit VerLpfForAFilter(const StageContext& context);

@@ -9,9 +9,12 @@
 namespace deimg {
 
 /// `own` is the parity of the columns that hold the low-passed sites themselves.
-template <int own>
-static void FilterSitesLine(Line u3, Line u2, Line u1, Line m, Line d1, Line d2, Line d3,
-                            const Sample* taps, int width, MutableLine out) {
+template <int own, typename T>
+static inline void FilterSitesLine(const T* __restrict u3, const T* __restrict u2,
+                                   const T* __restrict u1, const T* __restrict m,
+                                   const T* __restrict d1, const T* __restrict d2,
+                                   const T* __restrict d3, const Sample* taps, int width,
+                                   MutableLine out) {
   const Sample t0 = taps[0], t1 = taps[1], t2 = taps[2], t3 = taps[3];
   for (Index x = 0; x < width; ++x) {
     const Sample site = t3 * m[x] + t1 * (u2[x] + d2[x]);
@@ -21,10 +24,11 @@ static void FilterSitesLine(Line u3, Line u2, Line u1, Line m, Line d1, Line d2,
 }
 
 /// One line; `lines` are the seven mosaic lines from three above to three below.
-static void VerLpfLine(const SevenLines& in, const Sample* taps, bool oddLine, int width,
+template <typename T>
+static void VerLpfLine(const SevenLines<T>& in, const Sample* taps, bool oddLine, int width,
                        MutableLine out) {
-  const Sample* const* const l = in.line;
-  const auto filterLine = oddLine ? FilterSitesLine<0> : FilterSitesLine<1>;
+  const T* const* const l = in.line;
+  const auto filterLine = oddLine ? FilterSitesLine<0, T> : FilterSitesLine<1, T>;
   filterLine(l[0], l[1], l[2], l[3], l[4], l[5], l[6], taps, width, out);
 }
 
