@@ -1,15 +1,19 @@
 // Components, ports, connections, contexts, and the graph's table.
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <map>
 #include <set>
 
 #include "graph/component.h"
 #include "graph/processing_graph.h"
 #include "graph/source_stream_reader.h"
+#include "props/image_props.h"
+#include "rawfile/random_camera.h"
 #include "storage/memory_stream.h"
 #include "storage/stream_calls.h"
 #include "support/fault_heap.h"
+#include "support/streams.h"
 
 namespace deimg {
 namespace {
@@ -139,6 +143,45 @@ TEST(SourceStreamReader, ServesAndRepeatsLines) {
             << height << ' ' << line << ' ' << o;
       }
     }
+  }
+}
+
+/// The lines of a graph whose mosaic has samples of type T.
+template <typename T>
+std::vector<std::vector<std::uint8_t>> LinesOf(CallerStream& plane, const StageContext& context,
+                                               const SensorRecord& sensor) {
+  testing::OutputStream output(DEIMG_PROGRESS_NEVER);
+  ProcessingGraph<T> graph(plane, context, 2, sensor);
+  EXPECT_EQ(graph.Run(*output.get(), DEIMG_OK), DEIMG_OK);
+  return output.lines;
+}
+
+TEST(ProcessingGraph, NarrowAndWideMosaicsGiveTheSamePicture) {
+  for (std::uint64_t seed = 1; seed <= 20; ++seed) {
+    const rawfile::RawFile camera = rawfile::RandomCamera(seed);
+    testing::InputStream input(Serialize(camera));
+    ImagePropsBlock block;
+    ImageProps props{};
+    ASSERT_EQ(ReadImagePropsBlock(*input.get(), block), DEIMG_OK);
+    ASSERT_EQ(pxfPsReadOpenImageProps(block, props), DEIMG_OK);
+    DevelopParams params = testing::RecordedParams();
+    DevelopSettings settings;
+    DevelopmentTables tables;
+    ASSERT_EQ(SettleSettings(params, props, settings), DEIMG_OK);
+    ASSERT_EQ(DeriveTables(props, settings, tables), DEIMG_OK);
+    settings.isoClass = IsoClassOf(static_cast<std::int16_t>(props.sensitivity())).value();
+    const auto gain = static_cast<std::int32_t>(seed * seed * 80);
+    settings.wbGains = {gain, 1024, 32767 - gain, 1500};
+    ASSERT_TRUE(settings.mosaicIsNarrow());
+    const std::size_t bytes = 2 * camera.plane.samples.size();
+    const MemoryStream plane = MemoryStream::Make(bytes);
+    std::memcpy(plane.memory(), camera.plane.samples.data(), bytes);
+    const StageContext context{
+        ChosenKernels(),    settings,           tables, TuningBlock(props.tuningBlock),
+        props.sensor.width, props.sensor.height};
+    EXPECT_EQ(LinesOf<NarrowSample>(*plane.get(), context, props.sensor),
+              LinesOf<Sample>(*plane.get(), context, props.sensor))
+        << seed;
   }
 }
 
