@@ -197,9 +197,9 @@ class MosaicChain {
           k_.matrixRowLine(r.data(), gr.data(), b.data(), gb.data(), m, n_, out);
         });
       }
-      Wide([&](Sample* out) {
-        k_.suppressionLevelLine(r.data(), b.data(), luminance_.data(), n_, out);
-      });
+      std::vector<NarrowSample> level(static_cast<std::size_t>(n_));
+      k_.suppressionLevelLine(r.data(), b.data(), luminance_.data(), n_, level.data());
+      lines_.emplace_back(level.begin(), level.end());
       Wide([&](Sample* out) {
         const std::int16_t weights[] = {-300, 256, 77};
         k_.mixLine(r.data(), b.data(), weights, 8, n_, out);
@@ -224,10 +224,33 @@ class MosaicChain {
         k_.verLpfLine({{M(0), M(1), M(2), M(3), M(4), M(5), M(6)}}, taps, odd, n_, out);
       });
     }
-    Wide([&](Sample* out) { k_.spreadEvenColumnsLine(M(3), n_, out); });
-    Wide([&](Sample* out) { k_.spreadOddColumnsLine(M(3), n_, out); });
+    std::array<OwnLine, 7> greens;
+    for (std::size_t i = 0; i < greens.size(); ++i) {
+      greens[i] = Line();
+      (i % 2 == 0 ? k_.spreadEvenColumnsLine : k_.spreadOddColumnsLine)(M(i), n_, greens[i].data());
+      Keep(greens[i]);
+    }
+    SevenLines<T> around{};
+    for (std::size_t i = 0; i < greens.size(); ++i) around.line[i] = greens[i].data();
+    const Sample smoothTaps[] = {28, 17, 2, -1};
     Wide([&](Sample* out) {
-      k_.aFilterLine(direction.data(), luminance_.data(), luminance_.data(), luminance_.data(),
+      k_.verticalHighPass3Line(around.line[1], around.line[3], around.line[5], n_, out);
+    });
+    Wide([&](Sample* out) { k_.verticalHighPass7Line(around, n_, out); });
+    Wide([&](Sample* out) { k_.verticalSmooth5Line(around, n_, out); });
+    Wide([&](Sample* out) { k_.verticalSmooth7Line(around, smoothTaps, n_, out); });
+    constexpr ApcSegments kCurve = {.shift = 3,
+                                    .knee1 = 10,
+                                    .knee2 = 500,
+                                    .last = 8191,
+                                    .slope = {0, 2048, 24},
+                                    .offset = {0, 4, 30000},
+                                    .overflows = false};
+    Wide([&](Sample* out) {
+      k_.sharpenLine(around, luminance_.data(), lines_.back().data(), 3, kCurve, n_, out);
+    });
+    Wide([&](Sample* out) {
+      k_.aFilterLine(direction.data(), luminance_.data(), luminance_.data(), greens[0].data(),
                      {.core = 3, .step = 2, .full = 200}, n_, out);
     });
   }
@@ -298,20 +321,22 @@ TEST(ChromaSuppress, CurveSegments) {
 
 TEST_P(ColourKernels, ChromaSuppressLargestLevelAround) {
   const int width = 14;
-  Samples r(14, 0), b(14, 0), h(14, 256 * 40), level(14), largest(14);
+  Samples r(14, 0), b(14, 0), h(14, 256 * 40);
+  using Levels = std::vector<NarrowSample>;
+  Levels level(14), largest(14);
   r[6] = 128 * 20;
   k->wideMosaic.suppressionLevelLine(r.data(), b.data(), h.data(), width, level.data());
-  EXPECT_EQ(level, (Samples{0, 8, 8, 8, 8, 18, 28, 18, 8, 8, 8, 8, 8, 8}));
+  EXPECT_EQ(level, (Levels{0, 8, 8, 8, 8, 18, 28, 18, 8, 8, 8, 8, 8, 8}));
   r[13] = 256;  // counts three times at the last column
   k->wideMosaic.suppressionLevelLine(r.data(), b.data(), h.data(), width, level.data());
   EXPECT_EQ(level[13], 11);
   level = {99, 1, 0, 0, 0, 0, 9, 0, 0, 0, 5, 6, 7, 8};
   level[0] = 0;
   k->largestLevelLine(level.data(), width, largest.data());
-  EXPECT_EQ(largest, (Samples{0, 1, 1, 9, 9, 9, 9, 9, 9, 9, 8, 6, 7, 8}));
+  EXPECT_EQ(largest, (Levels{0, 1, 1, 9, 9, 9, 9, 9, 9, 9, 8, 6, 7, 8}));
   h.assign(14, -1000000);
   k->wideMosaic.suppressionLevelLine(r.data(), b.data(), h.data(), width, level.data());
-  EXPECT_EQ(level, Samples(14, 0));
+  EXPECT_EQ(level, Levels(14, 0));
 
   const Samples in(14, -1000), curve(14, 64);
   Samples out(14);

@@ -194,13 +194,13 @@ TEST_P(LuminanceKernels, VApcHighPassesAndSmoothing) {
   const Samples zero(13, 0), hundred(13, 100);
   const Sample *z = zero.data(), *h = hundred.data();
   Samples out(13);
-  k->verticalHighPass3Line(z, h, z, 13, out.data());
+  k->wideMosaic.verticalHighPass3Line(z, h, z, 13, out.data());
   EXPECT_EQ(out[0], 100);
-  k->verticalHighPass7Line({{z, z, z, h, z, z, z}}, 13, out.data());
+  k->wideMosaic.verticalHighPass7Line({{z, z, z, h, z, z, z}}, 13, out.data());
   EXPECT_EQ(out[5], 100);
-  k->verticalHighPass7Line({{z, z, z, z, z, h, z}}, 13, out.data());
+  k->wideMosaic.verticalHighPass7Line({{z, z, z, z, z, h, z}}, 13, out.data());
   EXPECT_EQ(out[12], -50);
-  k->verticalHighPass7Line({{z, z, h, z, z, z, h}}, 13, out.data());
+  k->wideMosaic.verticalHighPass7Line({{z, z, h, z, z, z, h}}, 13, out.data());
   EXPECT_EQ(out[12], 0);
   Samples in(13, 0);
   in[6] = 160;
@@ -214,20 +214,17 @@ TEST_P(LuminanceKernels, RApcSmoothingHasAGainOf16) {
   const Sample* const l = line.data();
   const SevenLines<Sample> in = {{l, l, l, l, l, l, l}};
   Samples v(8), p0(8), p1(8), p2(8);
-  k->verticalSmooth5Line(in, 8, v.data());
+  k->wideMosaic.verticalSmooth5Line(in, 8, v.data());
   EXPECT_EQ(v, Samples(8, 400));
   k->horizontalSmooth5Line(v.data(), 6, 1, 1, 8, p0.data());
   EXPECT_EQ(p0, (Samples{400, 400, 1600, 1600, 1600, 1600, 400, 400}));
   k->horizontalSmooth5Line(v.data(), 10, -1, 4, 8, p1.data());
   EXPECT_EQ(p1, Samples(8, 1600));
   const Sample taps[] = {28, 17, 2, -1};
-  k->verticalSmooth7Line(in, taps, 8, v.data());
+  k->wideMosaic.verticalSmooth7Line(in, taps, 8, v.data());
   EXPECT_EQ(v, Samples(8, 400));
-  k->referenceLine(in, 8, p2.data());
-  EXPECT_EQ(p2, Samples(8, 1600));
-  Samples blend(8);
-  k->blendLine(p2.data(), p0.data(), p1.data(), 3, kIdentity, 8, blend.data());
-  EXPECT_EQ(blend, (Samples{750, 750, 0, 0, 0, 0, 750, 750}));  // 1200 - 150 x 3
+  k->wideMosaic.sharpenLine(in, p0.data(), p1.data(), 3, kIdentity, 8, p2.data());
+  EXPECT_EQ(p2, (Samples{750, 750, 0, 0, 0, 0, 750, 750}));  // 1200 - 150 x 3
 
   const Samples ones(4, 1);
   Samples out(4);

@@ -10,8 +10,8 @@ namespace deimg {
 
 /// Appends two low bits to each of `count` samples, a multiple of four; four samples share a byte,
 /// lowest bits first.
-static void MergeLowBitsLine(const std::uint8_t* __restrict lowBits, int count,
-                             std::uint16_t* __restrict samples) {
+static void MergeLowBitsLine(LineOf<std::uint8_t> lowBits, int count,
+                             MutableLineOf<std::uint16_t> samples) {
   const auto merged = [](std::uint16_t sample, int bits) {
     return static_cast<std::uint16_t>(sample << 2 | (bits & 3));
   };
@@ -27,7 +27,7 @@ static void MergeLowBitsLine(const std::uint8_t* __restrict lowBits, int count,
 /// Subtracts two levels that alternate along a line of an even width; samples at or below theirs
 /// become 0.
 static void SubtractLevelsLine(std::uint16_t evenColumns, std::uint16_t oddColumns, int width,
-                               std::uint16_t* __restrict line) {
+                               MutableLineOf<std::uint16_t> line) {
   const auto above = [](std::uint16_t sample, std::uint16_t level) {
     return static_cast<std::uint16_t>(level < sample ? sample - level : 0);
   };

@@ -11,9 +11,10 @@ namespace deimg {
 
 /// Splits the samples of one mosaic position on a plane line, two columns apart, into every third
 /// one each: `cells` of them.
-static void SplitPositionLine(const std::uint16_t* __restrict line, int cells,
-                              std::uint16_t* __restrict first, std::uint16_t* __restrict second,
-                              std::uint16_t* __restrict third) {
+static void SplitPositionLine(LineOf<std::uint16_t> line, int cells,
+                              MutableLineOf<std::uint16_t> first,
+                              MutableLineOf<std::uint16_t> second,
+                              MutableLineOf<std::uint16_t> third) {
   for (Index j = 0; j < cells; ++j) {
     first[j] = line[6 * j];
     second[j] = line[6 * j + 2];
@@ -22,8 +23,8 @@ static void SplitPositionLine(const std::uint16_t* __restrict line, int cells,
 }
 
 /// The grid lines at one vertical position, in quarters.
-static void WeightGridLine(const std::uint16_t* __restrict g0, const std::uint16_t* __restrict g1,
-                           const std::uint16_t* __restrict g2, const std::uint16_t* __restrict g3,
+static void WeightGridLine(LineOf<std::uint16_t> g0, LineOf<std::uint16_t> g1,
+                           LineOf<std::uint16_t> g2, LineOf<std::uint16_t> g3,
                            const Sample* weights, int count, MutableLine out) {
   const Sample w0 = weights[0], w1 = weights[1], w2 = weights[2], w3 = weights[3];
   for (Index j = 0; j < count; ++j) out[j] = w0 * g0[j] + w1 * g1[j] + w2 * g2[j] + w3 * g3[j];
@@ -33,7 +34,7 @@ static void WeightGridLine(const std::uint16_t* __restrict g0, const std::uint16
 /// steps along the line become four values (at 0, 0.75, 1.5 and 2.25), and 2 x 2 of them their
 /// average.
 static void ShrinkRow(const ShrinkLines& a, const ShrinkLines& b, int cells,
-                      std::uint16_t* __restrict row) {
+                      MutableLineOf<std::uint16_t> row) {
   const Line a0 = a.third[0], a1 = a.third[1], a2 = a.third[2];
   const Line b0 = b.third[0], b1 = b.third[1], b2 = b.third[2];
   for (Index j = 0; j < cells; ++j) {
@@ -48,9 +49,8 @@ static void ShrinkRow(const ShrinkLines& a, const ShrinkLines& b, int cells,
 
 /// Half of four rows, weights 1 3 3 1 in each direction: `count` values, two columns apart, the
 /// first of them at column 0 from two columns only.
-static void HalveRow(const std::uint16_t* __restrict r0, const std::uint16_t* __restrict r1,
-                     const std::uint16_t* __restrict r2, const std::uint16_t* __restrict r3,
-                     int count, std::uint16_t* __restrict out) {
+static void HalveRow(LineOf<std::uint16_t> r0, LineOf<std::uint16_t> r1, LineOf<std::uint16_t> r2,
+                     LineOf<std::uint16_t> r3, int count, MutableLineOf<std::uint16_t> out) {
   const auto column = [&](Index x) { return r0[x] + 3 * r1[x] + 3 * r2[x] + r3[x]; };
   out[0] = static_cast<std::uint16_t>((column(0) + column(1)) >> 4);
   for (Index m = 1; m < count; ++m) {

@@ -102,13 +102,20 @@ struct MosaicKernels {
   void (*matrixPairLine)(const T* redMinusGreen, const T* blueMinusGreen, Sample mRed, Sample mBlue,
                          int width, MutableLine out);
   void (*suppressionLevelLine)(const T* r, const T* b, Line luminance, int width,
-                               MutableLine level);
-  void (*spreadEvenColumnsLine)(const T* in, int width, MutableLine out);
-  void (*spreadOddColumnsLine)(const T* in, int width, MutableLine out);
+                               NarrowSample* level);
+  void (*spreadEvenColumnsLine)(const T* in, int width, T* out);
+  void (*spreadOddColumnsLine)(const T* in, int width, T* out);
   void (*verLpfLine)(const SevenLines<T>& in, const Sample* taps, bool oddLine, int width,
                      MutableLine out);
-  void (*aFilterLine)(const T* direction, Line vertical, Line both, Line horizontal,
+  void (*aFilterLine)(const T* direction, Line vertical, Line both, const T* horizontal,
                       const AFilterGain& gain, int width, MutableLine out);
+  void (*verticalHighPass3Line)(const T* u2, const T* m, const T* d2, int width, MutableLine out);
+  void (*verticalHighPass7Line)(const SevenLines<T>& in, int width, MutableLine out);
+  void (*verticalSmooth5Line)(const SevenLines<T>& in, int width, MutableLine out);
+  void (*verticalSmooth7Line)(const SevenLines<T>& in, const Sample* taps, int width,
+                              MutableLine out);
+  void (*sharpenLine)(const SevenLines<T>& in, Line smooth0, Line smooth1, Sample weight,
+                      const ApcSegments& curve, int width, MutableLine out);
   void (*mixLine)(const T* r, const T* b, const std::int16_t* weights, Sample pedestal, int width,
                   MutableLine y);
 };
@@ -126,7 +133,7 @@ struct Kernels {
   // Colour path.
   void (*exposureLine)(const std::uint16_t* in, int width, const std::uint16_t* table,
                        std::uint16_t* out);
-  void (*largestLevelLine)(Line level, int width, MutableLine largest);
+  void (*largestLevelLine)(const NarrowSample* level, int width, NarrowSample* largest);
   void (*suppressLine)(Line in, Line curve, Sample gain, int width, MutableLine out);
   void (*toRgbLine9)(Line luminance, Line c1, Line c2, const Sample* black, int width,
                      MutableLine r, MutableLine g, MutableLine b);
@@ -145,18 +152,10 @@ struct Kernels {
   void (*apcCurveLine)(Line in, const ApcSegments& curve, int width, MutableLine out);
   void (*narrowHighPassLine)(Line in, const ApcSegments& curve, int width, MutableLine out);
   void (*wideHighPassLine)(Line in, const ApcSegments& curve, int width, MutableLine out);
-  void (*verticalHighPass3Line)(Line u2, Line m, Line d2, int width, MutableLine out);
-  void (*verticalHighPass7Line)(const SevenLines<Sample>& in, int width, MutableLine out);
   void (*smoothDetailLine)(Line in, const ApcSegments& curve, int width, MutableLine out);
-  void (*verticalSmooth5Line)(const SevenLines<Sample>& in, int width, MutableLine out);
-  void (*verticalSmooth7Line)(const SevenLines<Sample>& in, const Sample* taps, int width,
-                              MutableLine out);
   void (*horizontalSmooth121Line)(Line in, int width, MutableLine out);
   void (*horizontalSmooth5Line)(Line in, Sample centre, Sample far, Sample border, int width,
                                 MutableLine out);
-  void (*referenceLine)(const SevenLines<Sample>& in, int width, MutableLine out);
-  void (*blendLine)(Line reference, Line smooth0, Line smooth1, Sample weight,
-                    const ApcSegments& curve, int width, MutableLine out);
   void (*scaleLuminanceLine)(Line y, int width, MutableLine out);
   void (*addDetailsLine)(Line y, const DetailLines& details, const DetailGain& gain, int width,
                          MutableLine out);

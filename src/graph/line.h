@@ -19,8 +19,12 @@ using NarrowSample = std::int16_t;
 
 /// A line that a kernel reads, and one that it writes. A written line never overlaps another one of
 /// the same kernel, so that loops over whole lines can be vectorised.
-using Line = const Sample* __restrict;
-using MutableLine = Sample* __restrict;
+template <typename T>
+using LineOf = const T* __restrict;
+template <typename T>
+using MutableLineOf = T* __restrict;
+using Line = LineOf<Sample>;
+using MutableLine = MutableLineOf<Sample>;
 
 /// Columns in kernels: as wide as an address, so that compilers need not care for wrapped columns.
 using Index = std::ptrdiff_t;

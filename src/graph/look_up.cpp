@@ -15,4 +15,8 @@ void LookUpLine(const std::int16_t* zero, int width, Sample* line) { LookUp(zero
 
 void LookUpLine(const Sample* zero, int width, Sample* line) { LookUp(zero, width, line); }
 
+void LookUpLine(const Sample* zero, const NarrowSample* in, int width, Sample* out) {
+  for (Index x = 0; x < width; ++x) out[x] = zero[Index{in[x]}];
+}
+
 }  // namespace deimg

@@ -17,6 +17,9 @@ namespace deimg {
 void LookUpLine(const std::int16_t* zero, int width, Sample* line);
 void LookUpLine(const Sample* zero, int width, Sample* line);
 
+/// The same from narrow samples to another line.
+void LookUpLine(const Sample* zero, const NarrowSample* in, int width, Sample* out);
+
 }  // namespace deimg
 
 #endif  // DEIMG_GRAPH_LOOK_UP_H

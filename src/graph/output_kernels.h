@@ -19,8 +19,8 @@ static inline std::uint16_t To16Bits(Sample v) {
 
 /// Luminance (13 bits) and colour differences to red, green and blue, with 1024 = 1.0.
 template <typename T, T (*toOutput)(Sample)>
-static inline void RgbPlanes(Line y, Line cr, Line cb, int width, T* __restrict r, T* __restrict g,
-                             T* __restrict b) {
+static inline void RgbPlanes(Line y, Line cr, Line cb, int width, MutableLineOf<T> r,
+                             MutableLineOf<T> g, MutableLineOf<T> b) {
   for (Index x = 0; x < width; ++x) {
     const Sample a = y[x] * 1024;
     r[x] = toOutput(a + 1436 * cr[x]);
@@ -30,8 +30,8 @@ static inline void RgbPlanes(Line y, Line cr, Line cb, int width, T* __restrict 
 }
 
 template <typename T>
-static inline void InterleaveLine(const T* __restrict r, const T* __restrict g,
-                                  const T* __restrict b, int width, T* __restrict rgb) {
+static inline void InterleaveLine(LineOf<T> r, LineOf<T> g, LineOf<T> b, int width,
+                                  MutableLineOf<T> rgb) {
   for (Index x = 0; x < width; ++x) {
     rgb[3 * x] = r[x];
     rgb[3 * x + 1] = g[x];

@@ -62,8 +62,8 @@ class ProcessingGraph {
   RamenToYmix<T> ramen_;
   YMainProcs yMain_;
   HApcProcs hApc_;
-  RApcProcs rApc_;
-  VApcProcs vApc_;
+  RApcProcs<T> rApc_;
+  VApcProcs<T> vApc_;
   AApcProcs aApc_;
   LastStageRgb lastStage_;
 };

@@ -88,7 +88,7 @@ Result BuildSuppressionCurve(const std::array<std::uint16_t, 9>& e, Sample* tabl
 
 template <typename T>
 ChromaSuppress<T>::ChromaSuppress(const StageContext& context)
-    : ComponentX(InfoOf(TypeId::kChromaSuppress), context.width, context.height, 4, 2),
+    : ComponentX(InfoOf(TypeId::kChromaSuppress), context.width, context.height, 4, 3),
       kernels_(context.kernels),
       settings_(context.settings),
       parameters_(context.tuning.chromaSuppression(context.settings.isoClass)),
@@ -112,13 +112,16 @@ Result ChromaSuppress<T>::Run(int first, int last) {
   ComponentX* const matrix = LastInput(TypeId::kMatrix4x3, kSlots);
   ComponentX* const planes = LastInput(TypeId::kHokanVH, kSlots);
   if (luminance == nullptr || matrix == nullptr || planes == nullptr) return DEIMG_MISSING;
+  auto* const level = Scratch<NarrowSample>(0);
+  auto* const largest = Scratch<NarrowSample>(1);
+  Sample* const curve = Scratch(2);
   for (int o = first; o <= last; ++o) {
     kernels_.mosaic<T>().suppressionLevelLine(planes->GetLine<T>(o, 0), planes->GetLine<T>(o, 3),
-                                              luminance->GetLine(o, 0), width(), Scratch(0));
-    kernels_.largestLevelLine(Scratch(0), width(), Scratch(1));
-    LookUpLine(suppressTable_.get(), width(), Scratch(1));
-    kernels_.suppressLine(matrix->GetLine(o, 1), Scratch(1), gainCr_, width(), OwnLine(o, 0));
-    kernels_.suppressLine(matrix->GetLine(o, 2), Scratch(1), gainCb_, width(), OwnLine(o, 1));
+                                              luminance->GetLine(o, 0), width(), level);
+    kernels_.largestLevelLine(level, width(), largest);
+    LookUpLine(suppressTable_.get(), largest, width(), curve);
+    kernels_.suppressLine(matrix->GetLine(o, 1), curve, gainCr_, width(), OwnLine(o, 0));
+    kernels_.suppressLine(matrix->GetLine(o, 2), curve, gainCb_, width(), OwnLine(o, 1));
   }
   return DEIMG_OK;
 }

@@ -11,12 +11,13 @@ static constexpr Sample kHighestSuppressionLevel = 1023;
 
 /// Brightness levels, 0 to 1023, from red, blue and the low-passed luminance; column 0 gets 0.
 template <typename T>
-static void SuppressionLevelLine(const T* __restrict r, const T* __restrict b, Line luminance,
-                                 int width, MutableLine level) {
+static void SuppressionLevelLine(LineOf<T> r, LineOf<T> b, Line luminance, int width,
+                                 MutableLineOf<NarrowSample> level) {
   const auto at = [&](Index x, Sample rRight, Sample bRight) {
     const Sample sum =
         r[x - 1] + 2 * r[x] + rRight + luminance[x] + 2 * (b[x - 1] + 2 * b[x] + bRight);
-    return ClampedQuotient(sum, 8, 32, kHighestSuppressionLevel + 32) - 32;
+    return static_cast<NarrowSample>(ClampedQuotient(sum, 8, 32, kHighestSuppressionLevel + 32) -
+                                     32);
   };
   level[0] = 0;
   for (Index x = 1; x < width - 1; ++x) level[x] = at(x, r[x + 1], b[x + 1]);
@@ -25,14 +26,16 @@ static void SuppressionLevelLine(const T* __restrict r, const T* __restrict b, L
 
 /// The largest level within three columns on either side; the two columns before the last keep
 /// their own level.
-static void LargestLevelLine(Line level, int width, MutableLine largest) {
+static void LargestLevelLine(LineOf<NarrowSample> level, int width,
+                             MutableLineOf<NarrowSample> largest) {
+  const auto larger = [](NarrowSample a, NarrowSample b) { return a < b ? b : a; };
   largest[0] = 0;
   // Levels are never negative, so columns before the line may simply be left out.
-  largest[1] = Max(Max(level[1], level[2]), Max(level[3], level[4]));
-  largest[2] = Max(largest[1], level[5]);
+  largest[1] = larger(larger(level[1], level[2]), larger(level[3], level[4]));
+  largest[2] = larger(largest[1], level[5]);
   for (Index x = 3; x < width - 3; ++x) {
-    largest[x] = Max(Max(Max(level[x - 3], level[x - 2]), Max(level[x - 1], level[x])),
-                     Max(Max(level[x + 1], level[x + 2]), level[x + 3]));
+    largest[x] = larger(larger(larger(level[x - 3], level[x - 2]), larger(level[x - 1], level[x])),
+                        larger(larger(level[x + 1], level[x + 2]), level[x + 3]));
   }
   for (Index x = width - 3; x < width; ++x) largest[x] = level[x];
 }

@@ -10,9 +10,9 @@ namespace deimg {
 /// Replaces red and blue by their differences from green. The greens change roles where the
 /// direction is below -threshold and `choose` is set. A tie goes to the greens of the direction.
 template <typename T>
-static void ColourDifferenceLine(const T* __restrict direction, Sample threshold, bool choose,
-                                 const T* __restrict gr, const T* __restrict gb, int width,
-                                 T* __restrict red, T* __restrict blue) {
+static void ColourDifferenceLine(LineOf<T> direction, Sample threshold, bool choose, LineOf<T> gr,
+                                 LineOf<T> gb, int width, MutableLineOf<T> red,
+                                 MutableLineOf<T> blue) {
   // Nothing lies below the lowest value.
   const T limit = choose ? Nearest<T>(-threshold) : std::numeric_limits<T>::min();
   for (Index x = 0; x < width; ++x) {

@@ -9,8 +9,8 @@ namespace deimg {
 
 /// Exchanges gr and gb wherever the direction is below -threshold.
 template <typename T>
-static void ExchangeGreensLine(const T* __restrict direction, Sample threshold, int width,
-                               T* __restrict gr, T* __restrict gb) {
+static void ExchangeGreensLine(LineOf<T> direction, Sample threshold, int width,
+                               MutableLineOf<T> gr, MutableLineOf<T> gb) {
   const T limit = Nearest<T>(-threshold);
   for (Index x = 0; x < width; ++x) {
     const bool exchange = direction[x] < limit;

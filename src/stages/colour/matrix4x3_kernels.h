@@ -12,9 +12,8 @@ static constexpr Sample kMatrixOne = 2048;
 
 /// One row of the matrix on four planes.
 template <typename T>
-static void MatrixRowLine(const T* __restrict r, const T* __restrict gr, const T* __restrict b,
-                          const T* __restrict gb, const std::int16_t* row, int width,
-                          MutableLine out) {
+static void MatrixRowLine(LineOf<T> r, LineOf<T> gr, LineOf<T> b, LineOf<T> gb,
+                          const std::int16_t* row, int width, MutableLine out) {
   const Sample m0 = row[0], m1 = row[1], m2 = row[2], m3 = row[3];
   for (Index x = 0; x < width; ++x) {
     out[x] = (r[x] * m0 + gr[x] * m1 + b[x] * m2 + gb[x] * m3) / kMatrixOne;
@@ -23,8 +22,8 @@ static void MatrixRowLine(const T* __restrict r, const T* __restrict gr, const T
 
 /// The red and blue coefficients of a row on the two colour differences.
 template <typename T>
-static void MatrixPairLine(const T* __restrict redMinusGreen, const T* __restrict blueMinusGreen,
-                           Sample mRed, Sample mBlue, int width, MutableLine out) {
+static void MatrixPairLine(LineOf<T> redMinusGreen, LineOf<T> blueMinusGreen, Sample mRed,
+                           Sample mBlue, int width, MutableLine out) {
   for (Index x = 0; x < width; ++x) {
     out[x] = (redMinusGreen[x] * mRed + blueMinusGreen[x] * mBlue) / kMatrixOne;
   }

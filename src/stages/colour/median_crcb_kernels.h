@@ -18,9 +18,9 @@ static inline T Larger(T a, T b) {
 
 /// Sorts the three values of every column.
 template <typename T>
-static inline void SortColumnsLine(const T* __restrict above, const T* __restrict centre,
-                                   const T* __restrict below, int width, T* __restrict lowest,
-                                   T* __restrict middle, T* __restrict highest) {
+static inline void SortColumnsLine(LineOf<T> above, LineOf<T> centre, LineOf<T> below, int width,
+                                   MutableLineOf<T> lowest, MutableLineOf<T> middle,
+                                   MutableLineOf<T> highest) {
   for (Index x = 0; x < width; ++x) {
     const T low = Smaller(above[x], below[x]);
     const T high = Larger(above[x], below[x]);
@@ -52,8 +52,8 @@ static inline T MedianOf5(T a, T b, T c, T d, T e) {
 /// smallest, the middle three of the middle ones, and the two smallest of the largest. Of the other
 /// eight values four are below and four above, so the median of the seven is the median of all.
 template <typename T>
-static inline void MedianOfColumnsLine(const T* __restrict lowest, const T* __restrict middle,
-                                       const T* __restrict highest, int width, T* __restrict out) {
+static inline void MedianOfColumnsLine(LineOf<T> lowest, LineOf<T> middle, LineOf<T> highest,
+                                       int width, MutableLineOf<T> out) {
   for (Index x = 2; x < width - 2; ++x) {
     T l0 = lowest[x - 2], l1 = lowest[x - 1], l2 = lowest[x], l3 = lowest[x + 1];
     Order(l0, l1);

@@ -12,27 +12,27 @@ namespace deimg {
 /// get the sum of both neighbours; at the end of the line the one neighbour counts twice. The
 /// output has twice the scale of the input. `width` is even.
 template <typename T>
-static void SpreadEvenColumnsLine(const T* __restrict in, int width, MutableLine out) {
+static void SpreadEvenColumnsLine(LineOf<T> in, int width, MutableLineOf<T> out) {
   for (Index x = 1; x < width - 1; ++x) {
-    out[x] = ByParity<Sample>(x, 2 * in[x], in[x - 1] + in[x + 1]);
+    out[x] = ByParity(x, static_cast<T>(2 * in[x]), static_cast<T>(in[x - 1] + in[x + 1]));
   }
-  out[0] = 2 * in[0];
-  out[width - 1] = 2 * in[width - 2];
+  out[0] = static_cast<T>(2 * in[0]);
+  out[width - 1] = static_cast<T>(2 * in[width - 2]);
 }
 
 template <typename T>
-static void SpreadOddColumnsLine(const T* __restrict in, int width, MutableLine out) {
+static void SpreadOddColumnsLine(LineOf<T> in, int width, MutableLineOf<T> out) {
   for (Index x = 1; x < width - 1; ++x) {
-    out[x] = ByParity<Sample>(x, in[x - 1] + in[x + 1], 2 * in[x]);
+    out[x] = ByParity(x, static_cast<T>(in[x - 1] + in[x + 1]), static_cast<T>(2 * in[x]));
   }
-  out[0] = 2 * in[1];
-  out[width - 1] = 2 * in[width - 1];
+  out[0] = static_cast<T>(2 * in[1]);
+  out[width - 1] = static_cast<T>(2 * in[width - 1]);
 }
 
 /// The planes of the two colours on the line itself: of its even and of its odd columns.
 template <typename T>
-static inline void InterpolateOwnColoursLine(const T* __restrict centre, int width,
-                                             T* __restrict even, T* __restrict odd) {
+static inline void InterpolateOwnColoursLine(LineOf<T> centre, int width, MutableLineOf<T> even,
+                                             MutableLineOf<T> odd) {
   for (Index x = 1; x < width - 1; ++x) {
     const auto here = static_cast<T>(4 * centre[x]);
     const auto beside = static_cast<T>(2 * (centre[x - 1] + centre[x + 1]));
@@ -47,8 +47,8 @@ static inline void InterpolateOwnColoursLine(const T* __restrict centre, int wid
 
 /// The planes of the two colours that the lines above and below have.
 template <typename T>
-static inline void InterpolateOtherColoursLine(const T* __restrict above, const T* __restrict below,
-                                               int width, T* __restrict even, T* __restrict odd) {
+static inline void InterpolateOtherColoursLine(LineOf<T> above, LineOf<T> below, int width,
+                                               MutableLineOf<T> even, MutableLineOf<T> odd) {
   for (Index x = 1; x < width - 1; ++x) {
     const auto here = static_cast<T>(2 * (above[x] + below[x]));
     const auto beside = static_cast<T>(above[x - 1] + below[x - 1] + above[x + 1] + below[x + 1]);

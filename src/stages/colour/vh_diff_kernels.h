@@ -10,9 +10,8 @@ namespace deimg {
 /// One line; u2, u1, m, d1, d2 are the lines two above to two below. Samples two apart have the
 /// same colour. The two outer columns on each side are 0.
 template <typename T>
-static void DirectionMeasureLine(const T* __restrict u2, const T* __restrict u1,
-                                 const T* __restrict m, const T* __restrict d1,
-                                 const T* __restrict d2, int width, T* __restrict out) {
+static void DirectionMeasureLine(LineOf<T> u2, LineOf<T> u1, LineOf<T> m, LineOf<T> d1,
+                                 LineOf<T> d2, int width, MutableLineOf<T> out) {
   out[0] = out[1] = out[width - 2] = out[width - 1] = 0;
   for (Index x = 2; x < width - 2; ++x) {
     const auto horizontal =

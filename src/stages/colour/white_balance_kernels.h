@@ -14,8 +14,8 @@ static constexpr Sample kHighestRawSample = 4095;
 
 /// Gain, pedestal and clip on one line whose even and odd columns have a gain each.
 template <typename T>
-static void WhiteBalanceLine(const std::uint16_t* __restrict in, int width, Sample evenGain,
-                             Sample oddGain, Sample clipLevel, T* __restrict out) {
+static void WhiteBalanceLine(LineOf<std::uint16_t> in, int width, Sample evenGain, Sample oddGain,
+                             Sample clipLevel, MutableLineOf<T> out) {
   for (Index x = 0; x < width; ++x) {
     const Sample gain = ByParity(x, evenGain, oddGain);
     out[x] = static_cast<T>(Min(in[x] * gain / kGainOne + kPedestal, clipLevel));
@@ -23,8 +23,8 @@ static void WhiteBalanceLine(const std::uint16_t* __restrict in, int width, Samp
 }
 
 /// Looks raw samples up; larger ones than the table holds count as its last.
-static void ExposureLine(const std::uint16_t* __restrict in, int width, const std::uint16_t* table,
-                         std::uint16_t* __restrict out) {
+static void ExposureLine(LineOf<std::uint16_t> in, int width, const std::uint16_t* table,
+                         MutableLineOf<std::uint16_t> out) {
   for (Index x = 0; x < width; ++x) out[x] = table[Min(in[x], kHighestRawSample)];
 }
 

@@ -33,7 +33,7 @@ Result AFilterHokanLpf<T>::Run(int first, int last) {
     // Green lies on the even columns of odd lines and on the odd columns of even ones.
     const auto spreadLine =
         IsOddAt(o) ? kernels.spreadEvenColumnsLine : kernels.spreadOddColumnsLine;
-    spreadLine(mosaic->GetLine<T>(o, 0), width(), OwnLine(o, 0));
+    spreadLine(mosaic->GetLine<T>(o, 0), width(), OwnLine<T>(o, 0));
   }
   return DEIMG_OK;
 }

@@ -61,8 +61,8 @@ Result AFilterMain<T>::Run(int first, int last) {
   const AFilterGain gain = MakeAFilterGain(slopeShift, tuning_.aFilterCoreLevel(*setIndex));
   for (int o = first; o <= last; ++o) {
     kernels_.mosaic<T>().aFilterLine(direction->GetLine<T>(o, 0), vertical->GetLine(o, 0),
-                                     both->GetLine(o, 0), horizontal->GetLine(o, 0), gain, width(),
-                                     OwnLine(o, 0));
+                                     both->GetLine(o, 0), horizontal->GetLine<T>(o, 0), gain,
+                                     width(), OwnLine(o, 0));
   }
   return DEIMG_OK;
 }

@@ -12,7 +12,7 @@ static constexpr Sample kLargestAFilterSize = 256;  // always full gain
 
 /// One line.
 template <typename T>
-static void AFilterLine(const T* __restrict direction, Line vertical, Line both, Line horizontal,
+static void AFilterLine(LineOf<T> direction, Line vertical, Line both, LineOf<T> horizontal,
                         const AFilterGain& gain, int width, MutableLine out) {
   const Sample core = gain.core, step = gain.step, full = gain.full;
   for (Index x = 0; x < width; ++x) {

@@ -33,13 +33,15 @@ void HorizontalPass(const Kernels& kernels, const Sample* in, int mode, Sample s
 
 }  // namespace
 
-RApcProcs::RApcProcs(const StageContext& context)
-    : ComponentX(InfoOf(TypeId::kRApcProcs), context.width, context.height, 4, 2),
+template <typename T>
+RApcProcs<T>::RApcProcs(const StageContext& context)
+    : ComponentX(InfoOf(TypeId::kRApcProcs), context.width, context.height, 4, 1),
       kernels_(context.kernels),
       settings_(context.settings),
       tuning_(context.tuning) {}
 
-Result RApcProcs::Run(int first, int last) {
+template <typename T>
+Result RApcProcs<T>::Run(int first, int last) {
   if (settings_.plain() || settings_.quick()) return DEIMG_OK;
   ComponentX* const luminance = LastInput(TypeId::kAFilterHokanLpf);
   if (luminance == nullptr) return DEIMG_MISSING;
@@ -50,7 +52,7 @@ Result RApcProcs::Run(int first, int last) {
   if (mode0 != kMode121 && mode0 != kModeSharp && mode0 != kModeSoft) return DEIMG_UNSUPPORTED;
   const int mode1 = tuning_.rApcVerticalMode(*setIndex);
   if (mode1 != kVertical28 && mode1 != kVertical20 && mode1 != kVertical6) return DEIMG_BAD_TUNING;
-  // The same mode chooses port 1's horizontal pass, which does not know this one.
+  // The same mode chooses the second horizontal pass, which does not know this one.
   if (mode1 == kVertical20) return DEIMG_UNSUPPORTED;
   const Sample weight = tuning_.rApcBlend(*setIndex);
   if (weight < 0) return DEIMG_BAD_TUNING;
@@ -58,21 +60,22 @@ Result RApcProcs::Run(int first, int last) {
       MakeApcCurve(tuning_.apcCurve(*setIndex, TuningBlock::ApcCurveId::kR), kCurveSize, kShift);
 
   for (int o = first; o <= last; ++o) {
-    const SevenLines<Sample> in = LinesAround<Sample>(*luminance, o);
-    Sample* const p1 = OwnLine(o, 1);
-    Sample* const p2 = OwnLine(o, 2);
+    const SevenLines<T> in = LinesAround<T>(*luminance, o);
+    Sample* const smooth0 = OwnLine(o, 1);
+    Sample* const smooth1 = OwnLine(o, 2);
     Sample* const vertical = Scratch(0);
-    Sample* const smooth0 = Scratch(1);
-    kernels_.verticalSmooth5Line(in, width(), vertical);
+    kernels_.mosaic<T>().verticalSmooth5Line(in, width(), vertical);
     HorizontalPass(kernels_, vertical, mode0, 1, width(), smooth0);
     if (mode1 == kVertical28) {
-      kernels_.verticalSmooth7Line(in, kSevenTaps, width(), vertical);
+      kernels_.mosaic<T>().verticalSmooth7Line(in, kSevenTaps, width(), vertical);
     }  // otherwise the first filter's lines serve again
-    HorizontalPass(kernels_, vertical, mode1, 4, width(), p1);
-    kernels_.referenceLine(in, width(), p2);
-    kernels_.blendLine(p2, smooth0, p1, weight, curve, width(), OwnLine(o, 0));
+    HorizontalPass(kernels_, vertical, mode1, 4, width(), smooth1);
+    kernels_.mosaic<T>().sharpenLine(in, smooth0, smooth1, weight, curve, width(), OwnLine(o, 0));
   }
   return DEIMG_OK;
 }
+
+template class RApcProcs<NarrowSample>;
+template class RApcProcs<Sample>;
 
 }  // namespace deimg

@@ -14,7 +14,8 @@ namespace deimg {
 /// reference; all three carry 16 times the input. The difference goes through its curve. Plain and
 /// quick processing skip the stage.
 ///
-/// Input: A-Filter Hokan LPF, seven lines. Output: port 0; ports 1 and 2 hold intermediates.
+/// Input: A-Filter Hokan LPF, seven lines. Output: port 0; ports 1 and 2 hold the smooth versions.
+template <typename T>
 class RApcProcs final : public ComponentX {
  public:
   explicit RApcProcs(const StageContext& context);

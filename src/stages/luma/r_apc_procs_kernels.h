@@ -10,17 +10,20 @@
 namespace deimg {
 
 /// Vertical low-passes with a gain of 4: (1, 4, 6, 4, 1) / 4, and two of seven taps in sixteenths.
-static void VerticalSmooth5Line(const SevenLines<Sample>& in, int width, MutableLine out) {
-  const Line u2 = in.line[1], u1 = in.line[2], m = in.line[3], d1 = in.line[4], d2 = in.line[5];
+template <typename T>
+static void VerticalSmooth5Line(const SevenLines<T>& in, int width, MutableLine out) {
+  const LineOf<T> u2 = in.line[1], u1 = in.line[2], m = in.line[3], d1 = in.line[4],
+                  d2 = in.line[5];
   for (Index x = 0; x < width; ++x) {
     out[x] = (6 * m[x] + 4 * (u1[x] + d1[x]) + (u2[x] + d2[x])) / 4;
   }
 }
 
-static void VerticalSmooth7Line(const SevenLines<Sample>& in, const Sample* taps, int width,
+template <typename T>
+static void VerticalSmooth7Line(const SevenLines<T>& in, const Sample* taps, int width,
                                 MutableLine out) {
-  const Line u3 = in.line[0], u2 = in.line[1], u1 = in.line[2], m = in.line[3], d1 = in.line[4],
-             d2 = in.line[5], d3 = in.line[6];
+  const LineOf<T> u3 = in.line[0], u2 = in.line[1], u1 = in.line[2], m = in.line[3],
+                  d1 = in.line[4], d2 = in.line[5], d3 = in.line[6];
   const Sample t0 = taps[0], t1 = taps[1], t2 = taps[2], t3 = taps[3];
   for (Index x = 0; x < width; ++x) {
     out[x] = (t0 * m[x] + t1 * (u1[x] + d1[x]) + t2 * (u2[x] + d2[x]) + t3 * (u3[x] + d3[x])) / 16;
@@ -48,19 +51,19 @@ static void HorizontalSmooth5Line(Line in, Sample centre, Sample far, Sample bor
   }
 }
 
-/// Reference (1, 2, 1) down the columns with a gain of 16.
-static void ReferenceLine(const SevenLines<Sample>& in, int width, MutableLine out) {
-  const Line u1 = in.line[2], m = in.line[3], d1 = in.line[4];
-  for (Index x = 0; x < width; ++x) out[x] = (u1[x] + 2 * m[x] + d1[x]) * 4;
-}
-
-/// The curve of the reference minus the blend of both smooth lines, `weight` eighths of the second.
-static void BlendLine(Line reference, Line smooth0, Line smooth1, Sample weight,
-                      const ApcSegments& curve, int width, MutableLine out) {
+/// The curve of a reference, (1, 2, 1) down the columns with a gain of 16, minus the blend of both
+/// smooth lines, `weight` eighths of the second.
+template <typename T>
+static void SharpenLine(const SevenLines<T>& in, Line smooth0, Line smooth1, Sample weight,
+                        const ApcSegments& curve, int width, MutableLine out) {
+  const LineOf<T> u1 = in.line[2], m = in.line[3], d1 = in.line[4];
   const Sample rest = 8 - weight;
   ApcCurveColumns(
       curve, 0, width,
-      [&](Index x) { return (8 * reference[x] - rest * smooth0[x] - weight * smooth1[x]) / 8; },
+      [&](Index x) {
+        const Sample reference = (u1[x] + 2 * m[x] + d1[x]) * 4;
+        return (8 * reference - rest * smooth0[x] - weight * smooth1[x]) / 8;
+      },
       out);
 }
 

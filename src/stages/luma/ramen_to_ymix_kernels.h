@@ -20,8 +20,8 @@ static void AddDetailLine(Line luminance, Line detail, Sample gain, Sample mixGa
 /// In place: weights the line with red and blue, each smoothed by 1, 2, 1, and subtracts the
 /// pedestal.
 template <typename T>
-static void MixLine(const T* __restrict r, const T* __restrict b, const std::int16_t* weights,
-                    Sample pedestal, int width, MutableLine y) {
+static void MixLine(LineOf<T> r, LineOf<T> b, const std::int16_t* weights, Sample pedestal,
+                    int width, MutableLine y) {
   const Sample wR = weights[0], wY = weights[1], wB = weights[2];
   const auto mix = [&](Sample own, Sample red, Sample blue) {
     return (own * wY + red * wR + blue * wB) / 256 - pedestal;

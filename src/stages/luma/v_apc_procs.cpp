@@ -13,13 +13,15 @@ constexpr int kSevenLines = 5;
 
 }  // namespace
 
-VApcProcs::VApcProcs(const StageContext& context)
+template <typename T>
+VApcProcs<T>::VApcProcs(const StageContext& context)
     : ComponentX(InfoOf(TypeId::kVApcProcs), context.width, context.height, 4, 1),
       kernels_(context.kernels),
       settings_(context.settings),
       tuning_(context.tuning) {}
 
-Result VApcProcs::Run(int first, int last) {
+template <typename T>
+Result VApcProcs<T>::Run(int first, int last) {
   if (settings_.plain() || settings_.quick()) return DEIMG_OK;
   const auto setIndex = settings_.setIndex();
   if (!setIndex) return DEIMG_UNSUPPORTED;
@@ -30,13 +32,14 @@ Result VApcProcs::Run(int first, int last) {
       MakeApcCurve(tuning_.apcCurve(*setIndex, TuningBlock::ApcCurveId::kV), kCurveSize, kShift);
   const int filter = tuning_.vApcFilter(*setIndex);
   for (int o = first; o <= last; ++o) {
-    const SevenLines<Sample> in = LinesAround<Sample>(*luminance, o);
+    const SevenLines<T> in = LinesAround<T>(*luminance, o);
     Sample* const own = OwnLine(o, 0);
     Sample* const detail = Scratch(0);
     if (filter == kThreeLines) {
-      kernels_.verticalHighPass3Line(in.line[1], in.line[3], in.line[5], width(), detail);
+      kernels_.mosaic<T>().verticalHighPass3Line(in.line[1], in.line[3], in.line[5], width(),
+                                                 detail);
     } else if (filter == kSevenLines) {
-      kernels_.verticalHighPass7Line(in, width(), detail);
+      kernels_.mosaic<T>().verticalHighPass7Line(in, width(), detail);
     } else {
       // With any other selector the line goes on from what it held.
       std::copy_n(own, width(), detail);
@@ -45,5 +48,8 @@ Result VApcProcs::Run(int first, int last) {
   }
   return DEIMG_OK;
 }
+
+template class VApcProcs<NarrowSample>;
+template class VApcProcs<Sample>;
 
 }  // namespace deimg

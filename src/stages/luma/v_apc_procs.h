@@ -14,6 +14,7 @@ namespace deimg {
 /// skip the stage.
 ///
 /// Input: A-Filter Hokan LPF, seven lines. Output: port 0.
+template <typename T>
 class VApcProcs final : public ComponentX {
  public:
   explicit VApcProcs(const StageContext& context);

@@ -10,13 +10,16 @@
 namespace deimg {
 
 /// High-passes down the columns: (-1, 0, 2, 0, -1) / 2 and (1, -4, -1, 8, -1, -4, 1) / 8.
-static void VerticalHighPass3Line(Line u2, Line m, Line d2, int width, MutableLine out) {
+template <typename T>
+static void VerticalHighPass3Line(LineOf<T> u2, LineOf<T> m, LineOf<T> d2, int width,
+                                  MutableLine out) {
   for (Index x = 0; x < width; ++x) out[x] = (2 * m[x] - u2[x] - d2[x]) / 2;
 }
 
-static void VerticalHighPass7Line(const SevenLines<Sample>& in, int width, MutableLine out) {
-  const Line u3 = in.line[0], u2 = in.line[1], u1 = in.line[2], m = in.line[3], d1 = in.line[4],
-             d2 = in.line[5], d3 = in.line[6];
+template <typename T>
+static void VerticalHighPass7Line(const SevenLines<T>& in, int width, MutableLine out) {
+  const LineOf<T> u3 = in.line[0], u2 = in.line[1], u1 = in.line[2], m = in.line[3],
+                  d1 = in.line[4], d2 = in.line[5], d3 = in.line[6];
   for (Index x = 0; x < width; ++x) {
     out[x] = (8 * m[x] - (u1[x] + d1[x]) - 4 * (u2[x] + d2[x]) + (u3[x] + d3[x])) / 8;
   }

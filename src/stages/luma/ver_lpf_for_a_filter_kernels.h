@@ -10,11 +10,9 @@ namespace deimg {
 
 /// `own` is the parity of the columns that hold the low-passed sites themselves.
 template <int own, typename T>
-static inline void FilterSitesLine(const T* __restrict u3, const T* __restrict u2,
-                                   const T* __restrict u1, const T* __restrict m,
-                                   const T* __restrict d1, const T* __restrict d2,
-                                   const T* __restrict d3, const Sample* taps, int width,
-                                   MutableLine out) {
+static inline void FilterSitesLine(LineOf<T> u3, LineOf<T> u2, LineOf<T> u1, LineOf<T> m,
+                                   LineOf<T> d1, LineOf<T> d2, LineOf<T> d3, const Sample* taps,
+                                   int width, MutableLine out) {
   const Sample t0 = taps[0], t1 = taps[1], t2 = taps[2], t3 = taps[3];
   for (Index x = 0; x < width; ++x) {
     const Sample site = t3 * m[x] + t1 * (u2[x] + d2[x]);
