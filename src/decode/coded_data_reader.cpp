@@ -58,6 +58,23 @@ class BitWindow {
 static_assert(DifferenceTable::kMostBits <= 49, "a first value before any refill");
 static_assert(2 * DifferenceTable::kMostBits <= 56, "two symbols to a refill");
 
+/// Stores a symbol's difference behind position k, and often the next one's too. False, and nothing
+/// is used, when that could reach the block's end.
+inline bool StoreSymbols(const DifferenceTable& table, BitWindow& window, DifferenceBlock& block,
+                         std::uint32_t& k) {
+  NextSymbol second;
+  const CodedSize first = table.Decode(window.bits(), second);
+  const std::uint32_t position = k + first.advance();
+  const std::uint32_t last = position + second.advance();
+  if (last >= kLastEntry) return false;
+  // Without a second symbol both positions are the same, and the first difference stays.
+  block[last] = second.difference();
+  block[position] = static_cast<std::int16_t>(first.DifferenceBehind(window.bits()));
+  window.Use(second.bits());
+  k = last;
+  return true;
+}
+
 }  // namespace
 
 CodedDataReader::CodedDataReader(CallerStream& source, const CodeSet& codes)
@@ -96,8 +113,13 @@ bool CodedDataReader::DecodeInsideBuffer(DifferenceBlock& block) {
   block[0] = static_cast<std::int16_t>(first.DifferenceBehind(window.bits()));
   window.Use(first.bits());
   window.Refill();
-  for (std::uint32_t k = 0;;) {
-    // Two symbols to a refill.
+  std::uint32_t k = 0;
+  while (StoreSymbols(runSizes_, window, block, k) && StoreSymbols(runSizes_, window, block, k)) {
+    window.Refill();
+  }
+  // Near the block's end symbol by symbol, as the block may end between two.
+  for (;;) {
+    window.Refill();
     for (int i = 0; i < 2; ++i) {
       const CodedSize coded = runSizes_.Decode(window.bits());
       const auto difference = static_cast<std::int16_t>(coded.DifferenceBehind(window.bits()));
@@ -111,7 +133,6 @@ bool CodedDataReader::DecodeInsideBuffer(DifferenceBlock& block) {
       }
       block[k] = difference;
     }
-    window.Refill();
   }
 }
 
