@@ -26,6 +26,11 @@ const ComponentPort* ComponentX::port(int index) const {
   return slot ? &*slot : nullptr;
 }
 
+const void* ComponentX::LineAt(int offset, int portIndex) const {
+  const ComponentPort* const source = port(portIndex);
+  return source == nullptr ? nullptr : source->Line(offset);
+}
+
 Result ComponentX::Connect(ComponentX& input) {
   if (inputCount_ == kMostInputs) return DEIMG_BAD_REQUEST;
   inputs_[static_cast<std::size_t>(inputCount_++)] = &input;
@@ -101,8 +106,8 @@ Result ComponentX::Start(int line) {
 Result ComponentX::Advance(int line) {
   if (line == currentLine_) return DEIMG_OK;
   if (currentLine_ == kNotStarted) return DEIMG_NOT_STARTED;
-  for (ComponentX* source : inputs_) {
-    if (source != nullptr) DEIMG_RETURN_IF_FAILED(source->Advance(line));
+  for (int slot = 0; slot < inputCount_; ++slot) {
+    DEIMG_RETURN_IF_FAILED(input(slot)->Advance(line));
   }
   DEIMG_RETURN_IF_FAILED(Rotate());
   return Run(runLast(), runLast());

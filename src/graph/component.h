@@ -50,8 +50,7 @@ class ComponentX {
   /// none.
   template <typename T = Sample>
   const T* GetLine(int offset, int portIndex) const {
-    const ComponentPort* const source = port(portIndex);
-    return source == nullptr ? nullptr : source->Line<T>(offset);
+    return static_cast<const T*>(LineAt(offset, portIndex));
   }
 
   /// Moves every port on by one line; 98 when one has no ring.
@@ -90,6 +89,10 @@ class ComponentX {
   const ComponentPort* port(int index) const;
 
  protected:
+  /// Where GetLine() finds a line: in the port's ring, unless a component keeps its lines
+  /// elsewhere.
+  [[nodiscard]] virtual const void* LineAt(int offset, int portIndex) const;
+
   /// The input in a slot; null when empty.
   ComponentX* input(int slot) const { return inputs_[static_cast<std::size_t>(slot)]; }
   /// The first, or the last, input of a type among the first `slots`; null when there is none.

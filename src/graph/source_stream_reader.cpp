@@ -18,14 +18,23 @@ SourceStreamReader::~SourceStreamReader() {
   if (streamOpen_) (void)Close(plane_);
 }
 
-Result SourceStreamReader::Run(int first, int last) {
-  for (int o = first; o <= last; ++o) {
-    const int line = std::clamp(currentLine_ + o, 0, lastValidLine_);
-    if (line < cacheFirst_ || line > cacheLast_) DEIMG_RETURN_IF_FAILED(Fill(line));
-    std::copy_n(lineCache_.get() + std::ptrdiff_t{line - cacheFirst_} * width(), width(),
-                OwnLine<std::uint16_t>(o, 0));
-  }
+Result SourceStreamReader::Run(int /*first*/, int /*last*/) {
+  const int top = PlaneLine(runFirst());
+  const int bottom = PlaneLine(runLast());
+  return top < cacheFirst_ || bottom > cacheLast_ ? Fill(top) : Result{DEIMG_OK};
+}
+
+Result SourceStreamReader::Rotate() {
+  ++currentLine_;
   return DEIMG_OK;
+}
+
+const void* SourceStreamReader::LineAt(int offset, int /*portIndex*/) const {
+  return lineCache_.get() + std::ptrdiff_t{PlaneLine(offset) - cacheFirst_} * width();
+}
+
+int SourceStreamReader::PlaneLine(int offset) const {
+  return std::clamp(currentLine_ + offset, 0, lastValidLine_);
 }
 
 Result SourceStreamReader::Fill(int firstLine) {

@@ -9,7 +9,9 @@
 namespace deimg {
 
 /// Serves the plane's lines, unsigned 16-bit samples, from a cache of 200 lines that it fills with
-/// large sequential reads. Lines above and below the plane are copies of its first and last line.
+/// large sequential reads. Lines above and below the plane are its first and last line again. The
+/// port never receives a ring: a consumer gets the cache's lines, at the offsets runFirst() to
+/// runLast().
 class SourceStreamReader final : public ComponentX {
  public:
   static constexpr int kCacheLines = 200;
@@ -20,9 +22,16 @@ class SourceStreamReader final : public ComponentX {
   ~SourceStreamReader() override;
 
   [[nodiscard]] Result Run(int first, int last) override;
+  [[nodiscard]] Result AllocateBuffers() override { return DEIMG_OK; }
+  [[nodiscard]] Result Rotate() override;
+
+ protected:
+  [[nodiscard]] const void* LineAt(int offset, int portIndex) const override;
 
  private:
   [[nodiscard]] Result Fill(int firstLine);
+  /// The plane's line that stands for the one at an offset from the current one.
+  int PlaneLine(int offset) const;
 
   CallerStream& plane_;
   const int lastValidLine_;
