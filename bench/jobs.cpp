@@ -56,8 +56,9 @@ struct Parts {
 
 const char* const kKinds[] = {"full8", "full16", "full8/set3", "quick8", "preview", "thumbnail"};
 
+/// Counters: the most memory the job holds, and what of it is not the sensor plane, in MiB.
 void Job(benchmark::State& state, const Scene& scene, int kind) {
-  AgainstYardstick(state, scene, [&] {
+  const auto job = [&] {
     switch (kind) {
       case 0:
         return Develop(scene, DEIMG_JOB_FULL, DEIMG_FORMAT_8BIT, 0);
@@ -72,7 +73,12 @@ void Job(benchmark::State& state, const Scene& scene, int kind) {
       default:
         return Develop(scene, DEIMG_JOB_THUMBNAIL, DEIMG_FORMAT_8BIT, 0);
     }
-  });
+  };
+  AgainstYardstick(state, scene, job);
+  const double plane = 2.0 * static_cast<double>(scene.mosaic.size()) / (1 << 20);
+  const double peak = PeakGrowth(job);
+  state.counters["peakMiB"] = peak;
+  state.counters["beyondPlaneMiB"] = peak - plane;
 }
 
 /// Jobs finished by two threads in the time that one thread takes for one.

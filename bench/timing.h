@@ -3,7 +3,10 @@
 #define DEIMG_BENCH_TIMING_H
 
 #include <benchmark/benchmark.h>
+#include <malloc.h>
 #include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
@@ -46,6 +49,33 @@ void AgainstYardstick(benchmark::State& state, const Scene& scene, Body body) {
   state.counters["Qmedian"] = times[times.size() / 2] / yard[yard.size() / 2] / scale;
   state.counters["yardMs"] = 1e3 * yard.front();
   state.counters["msPerMs"] = 1e3 * times.front() / megasamples;
+}
+
+/// Runs `body` in a process of its own and returns by how many MiB its resident memory grew at
+/// most.
+template <typename Body>
+double PeakGrowth(Body body) {
+  malloc_trim(0);  // what the heap keeps would hide growth
+  int ends[2];
+  if (pipe(ends) != 0) return 0;
+  const pid_t child = fork();
+  if (child == 0) {
+    const auto peak = [] {
+      rusage usage{};
+      getrusage(RUSAGE_SELF, &usage);
+      return static_cast<double>(usage.ru_maxrss) / 1024;
+    };
+    const double before = peak();
+    body();
+    const double grown = peak() - before;
+    _exit(write(ends[1], &grown, sizeof(grown)) == sizeof(grown) ? 0 : 1);
+  }
+  double grown = 0;
+  if (read(ends[0], &grown, sizeof(grown)) != sizeof(grown)) grown = 0;
+  close(ends[0]);
+  close(ends[1]);
+  waitpid(child, nullptr, 0);
+  return grown;
 }
 
 }  // namespace deimg::bench

@@ -37,7 +37,7 @@ SensorRecord Declared(const Bytes& file) {
 std::size_t MemoryBound(const Bytes& file) {
   const SensorRecord sensor = Declared(file);
   const std::size_t plane = std::size_t{2} * sensor.width * sensor.height;
-  const std::size_t graph = 2048u * std::size_t{sensor.width} + (512u << 10);
+  const std::size_t graph = 1024u * std::size_t{sensor.width} + (512u << 10);
   return plane + std::max({file.size() + (64u << 10), plane / 8 + (96u << 10), graph,
                            (std::size_t{2} << 20) + (64u << 10)});
 }

@@ -30,16 +30,27 @@ static inline T ByParity(Index x, T even, T odd) {
   return static_cast<T>(even ^ ((even ^ odd) & oddMask));
 }
 
+/// `negative` where v is below 0, else `other`. A mask, where compilers cannot choose between lanes
+/// of one width by a comparison of another.
+static inline Sample BySign(Sample v, Sample negative, Sample other) {
+  return other ^ ((other ^ negative) & (v >> 31));
+}
+
 /// The magnitude, no wider than the sample.
 template <typename T>
 static inline constexpr T Magnitude(T v) {
   return static_cast<T>(v < 0 ? -v : v);
 }
 
+/// The lowest value of a sample of type T.
+template <typename T>
+static constexpr T kLowest = std::numeric_limits<T>::min();
+
 /// The nearest value that a sample of type T can have.
 template <typename T>
 static inline T Nearest(Sample v) {
-  return static_cast<T>(Clamp(v, std::numeric_limits<T>::min(), std::numeric_limits<T>::max()));
+  constexpr Sample kHighest = std::numeric_limits<T>::max();
+  return static_cast<T>(Clamp(v, kLowest<T>, kHighest));
 }
 
 }  // namespace deimg

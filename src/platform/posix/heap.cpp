@@ -10,14 +10,13 @@ namespace {
 
 #ifdef MADV_HUGEPAGE
 constexpr std::size_t kLargeBlock = 4u << 20;
-constexpr std::uintptr_t kPage = 4096;
+constexpr std::size_t kPage = 4096;
 
 /// Asks for huge pages: the first touch of a sensor plane in small pages costs a tenth of a job.
 void AdviseHugePages(void* allocation, std::size_t bytes) noexcept {
-  const auto start = reinterpret_cast<std::uintptr_t>(allocation);
-  const std::uintptr_t first = (start + kPage - 1) / kPage * kPage;
-  const std::uintptr_t end = (start + bytes) / kPage * kPage;
-  (void)madvise(reinterpret_cast<void*>(first), end - first, MADV_HUGEPAGE);
+  const std::size_t before = (kPage - reinterpret_cast<std::uintptr_t>(allocation) % kPage) % kPage;
+  const std::size_t pages = (bytes - before) / kPage;
+  (void)madvise(static_cast<std::uint8_t*>(allocation) + before, pages * kPage, MADV_HUGEPAGE);
 }
 #endif
 

@@ -14,7 +14,7 @@ static void ColourDifferenceLine(LineOf<T> direction, Sample threshold, bool cho
                                  LineOf<T> gb, int width, MutableLineOf<T> red,
                                  MutableLineOf<T> blue) {
   // Nothing lies below the lowest value.
-  const T limit = choose ? Nearest<T>(-threshold) : std::numeric_limits<T>::min();
+  const T limit = choose ? Nearest<T>(-threshold) : kLowest<T>;
   for (Index x = 0; x < width; ++x) {
     const auto average = static_cast<T>(static_cast<T>(gr[x] + gb[x]) / 2);
     const auto averageRed = static_cast<T>(red[x] - average);

@@ -19,7 +19,7 @@ static void AFilterLine(LineOf<T> direction, Line vertical, Line both, LineOf<T>
     const Sample d = direction[x];
     const Sample size = Clamp(Abs(d), 0, kLargestAFilterSize);
     const Sample g = size < full ? (Max(size - core, 0) * step) >> 3 : kFullAFilterGain;
-    const Sample smoothed = d < 0 ? 4 * vertical[x] : 8 * horizontal[x];
+    const Sample smoothed = BySign(d, 4 * vertical[x], 8 * horizontal[x]);
     out[x] = (smoothed - both[x]) * g / 32;
   }
 }
