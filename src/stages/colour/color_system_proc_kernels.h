@@ -81,19 +81,20 @@ static void ToColourDifferencesLine(Line r, int width, MutableLine gToCr, Mutabl
 
 /// Level of the chroma gain, 0 to 128.
 static void ChromaLevelLine(Line cr, Line cb, int width, MutableLine level) {
-  for (Index x = 0; x < width; ++x) level[x] = Max(Abs(cr[x]), Abs(cb[x])) / 32;
+  for (Index x = 0; x < width; ++x) level[x] = Max(Abs(cr[x]), Abs(cb[x])) >> 5;
 }
 
 /// In place: applies a gain (128 = 1.0) and adds a share of each colour difference to the other, by
 /// the other's sign. `mix` holds the colour offsets h0 to h3.
 static void AdjustColourDifferencesLine(Line gain, const std::int16_t* mix, int width,
                                         MutableLine cr, MutableLine cb) {
-  const Sample h0 = 8 * mix[0], h1 = 8 * mix[1], h2 = 8 * mix[2], h3 = 8 * mix[3];
+  const Sample shareOfCr = 8 * mix[2], shareOfNegativeCr = shareOfCr + 8 * mix[0];
+  const Sample shareOfCb = 8 * mix[3], shareOfNegativeCb = shareOfCb + 8 * mix[1];
   for (Index x = 0; x < width; ++x) {
     const Sample red = cr[x] * gain[x] / 128;
     const Sample blue = cb[x] * gain[x] / 128;
-    cr[x] = red + ((blue < 0 ? h1 : 0) + h3) * blue / 1024;
-    cb[x] = blue + ((red < 0 ? h0 : 0) + h2) * red / 1024;
+    cr[x] = red + (blue < 0 ? shareOfNegativeCb : shareOfCb) * blue / 1024;
+    cb[x] = blue + (red < 0 ? shareOfNegativeCr : shareOfCr) * red / 1024;
   }
 }
 

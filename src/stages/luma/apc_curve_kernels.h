@@ -28,11 +28,14 @@ static inline Sample ApcCurve(const ApcSegments& curve, Sample sample) {
   return v <= leastNegative ? -magnitude : magnitude;
 }
 
-/// out[x] = curve(detail(x)) for the columns from `first` to before `end`.
+/// out[x] = curve(detail(x) / 2^shift), the quotient truncated, for the columns from `first` to
+/// before `end`. The curve divides by a power of two anyway, and dividing magnitudes twice is
+/// dividing them once.
 template <typename Detail>
-static inline void ApcCurveColumns(const ApcSegments& segments, Index first, Index end,
+static inline void ApcCurveColumns(const ApcSegments& segments, int shift, Index first, Index end,
                                    Detail detail, MutableLine out) {
-  const ApcSegments curve = segments;
+  ApcSegments curve = segments;
+  curve.shift += shift;
   if (curve.overflows) {
     for (Index x = first; x < end; ++x) out[x] = ApcCurve<true>(curve, detail(x));
   } else {
@@ -43,7 +46,7 @@ static inline void ApcCurveColumns(const ApcSegments& segments, Index first, Ind
 /// The curve of a line.
 static void ApcCurveLine(Line in, const ApcSegments& curve, int width, MutableLine out) {
   ApcCurveColumns(
-      curve, 0, width, [&](Index x) { return in[x]; }, out);
+      curve, 0, 0, width, [&](Index x) { return in[x]; }, out);
 }
 
 }  // namespace deimg

@@ -12,24 +12,23 @@ namespace deimg {
 /// are 0 in the columns without all neighbours.
 static void NarrowHighPassLine(Line in, const ApcSegments& curve, int width, MutableLine out) {
   const auto zero = [](Index) { return Sample{0}; };
-  ApcCurveColumns(curve, 0, 2, zero, out);
+  ApcCurveColumns(curve, 0, 0, 2, zero, out);
   ApcCurveColumns(
-      curve, 2, width - 2, [&](Index x) { return (2 * in[x] - in[x - 2] - in[x + 2]) / 4; }, out);
-  ApcCurveColumns(curve, width - 2, width, zero, out);
+      curve, 2, 2, width - 2, [&](Index x) { return 2 * in[x] - in[x - 2] - in[x + 2]; }, out);
+  ApcCurveColumns(curve, 0, width - 2, width, zero, out);
 }
 
 static void WideHighPassLine(Line in, const ApcSegments& curve, int width, MutableLine out) {
   const auto zero = [](Index) { return Sample{0}; };
-  ApcCurveColumns(curve, 0, 3, zero, out);
+  ApcCurveColumns(curve, 0, 0, 3, zero, out);
   ApcCurveColumns(
-      curve, 3, width - 3,
+      curve, 4, 3, width - 3,
       [&](Index x) {
-        return (8 * in[x] - (in[x - 1] + in[x + 1]) - 4 * (in[x - 2] + in[x + 2]) +
-                (in[x - 3] + in[x + 3])) /
-               16;
+        return 8 * in[x] - (in[x - 1] + in[x + 1]) - 4 * (in[x - 2] + in[x + 2]) +
+               (in[x - 3] + in[x + 3]);
       },
       out);
-  ApcCurveColumns(curve, width - 3, width, zero, out);
+  ApcCurveColumns(curve, 0, width - 3, width, zero, out);
 }
 
 }  // namespace deimg

@@ -59,10 +59,10 @@ static void SharpenLine(const SevenLines<T>& in, Line smooth0, Line smooth1, Sam
   const LineOf<T> u1 = in.line[2], m = in.line[3], d1 = in.line[4];
   const Sample rest = 8 - weight;
   ApcCurveColumns(
-      curve, 0, width,
+      curve, 3, 0, width,
       [&](Index x) {
         const Sample reference = (u1[x] + 2 * m[x] + d1[x]) * 4;
-        return (8 * reference - rest * smooth0[x] - weight * smooth1[x]) / 8;
+        return 8 * reference - rest * smooth0[x] - weight * smooth1[x];
       },
       out);
 }

@@ -29,14 +29,12 @@ static void VerticalHighPass7Line(const SevenLines<T>& in, int width, MutableLin
 /// smoothed.
 static void SmoothDetailLine(Line in, const ApcSegments& curve, int width, MutableLine out) {
   const auto own = [&](Index x) { return in[x]; };
-  ApcCurveColumns(curve, 0, 2, own, out);
+  ApcCurveColumns(curve, 0, 0, 2, own, out);
   ApcCurveColumns(
-      curve, 2, width - 2,
-      [&](Index x) {
-        return (6 * in[x] + 4 * (in[x - 1] + in[x + 1]) + (in[x - 2] + in[x + 2])) / 16;
-      },
+      curve, 4, 2, width - 2,
+      [&](Index x) { return 6 * in[x] + 4 * (in[x - 1] + in[x + 1]) + (in[x - 2] + in[x + 2]); },
       out);
-  ApcCurveColumns(curve, width - 2, width, own, out);
+  ApcCurveColumns(curve, 0, width - 2, width, own, out);
 }
 
 }  // namespace deimg
