@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <limits>
+#include <type_traits>
 
 #include "graph/line.h"
 
@@ -22,11 +23,16 @@ static inline constexpr Sample ClampedQuotient(Sample v, int shift, Sample low, 
 }
 static inline constexpr Sample Abs(Sample v) { return v < 0 ? -v : v; }
 
-/// `odd` in odd columns, `even` in even ones. Written with a mask, because compilers do not
-/// vectorise every choice by a column's parity, nor well in lanes as wide as an index.
+/// A column's number beside its index, as wide as a sample: what depends on its parity needs no
+/// lanes as wide as an index.
 template <typename T>
-static inline T ByParity(Index x, T even, T odd) {
-  const auto oddMask = static_cast<T>(-(static_cast<T>(x) & 1));
+using ColumnOf = std::make_unsigned_t<T>;
+
+/// `odd` in odd columns, `even` in even ones. Written with a mask, because compilers do not
+/// vectorise every choice by a column's parity.
+template <typename T>
+static inline T ByParity(ColumnOf<T> column, T even, T odd) {
+  const auto oddMask = static_cast<T>(-static_cast<T>(column & 1));
   return static_cast<T>(even ^ ((even ^ odd) & oddMask));
 }
 

@@ -13,8 +13,9 @@ namespace deimg {
 /// output has twice the scale of the input. `width` is even.
 template <typename T>
 static void SpreadEvenColumnsLine(LineOf<T> in, int width, MutableLineOf<T> out) {
-  for (Index x = 1; x < width - 1; ++x) {
-    out[x] = ByParity(x, static_cast<T>(2 * in[x]), static_cast<T>(in[x - 1] + in[x + 1]));
+  ColumnOf<T> column = 1;
+  for (Index x = 1; x < width - 1; ++x, ++column) {
+    out[x] = ByParity<T>(column, static_cast<T>(2 * in[x]), static_cast<T>(in[x - 1] + in[x + 1]));
   }
   out[0] = static_cast<T>(2 * in[0]);
   out[width - 1] = static_cast<T>(2 * in[width - 2]);
@@ -22,8 +23,9 @@ static void SpreadEvenColumnsLine(LineOf<T> in, int width, MutableLineOf<T> out)
 
 template <typename T>
 static void SpreadOddColumnsLine(LineOf<T> in, int width, MutableLineOf<T> out) {
-  for (Index x = 1; x < width - 1; ++x) {
-    out[x] = ByParity(x, static_cast<T>(in[x - 1] + in[x + 1]), static_cast<T>(2 * in[x]));
+  ColumnOf<T> column = 1;
+  for (Index x = 1; x < width - 1; ++x, ++column) {
+    out[x] = ByParity<T>(column, static_cast<T>(in[x - 1] + in[x + 1]), static_cast<T>(2 * in[x]));
   }
   out[0] = static_cast<T>(2 * in[1]);
   out[width - 1] = static_cast<T>(2 * in[width - 1]);
@@ -33,11 +35,12 @@ static void SpreadOddColumnsLine(LineOf<T> in, int width, MutableLineOf<T> out) 
 template <typename T>
 static inline void InterpolateOwnColoursLine(LineOf<T> centre, int width, MutableLineOf<T> even,
                                              MutableLineOf<T> odd) {
-  for (Index x = 1; x < width - 1; ++x) {
+  ColumnOf<T> column = 1;
+  for (Index x = 1; x < width - 1; ++x, ++column) {
     const auto here = static_cast<T>(4 * centre[x]);
     const auto beside = static_cast<T>(2 * (centre[x - 1] + centre[x + 1]));
-    even[x] = ByParity(x, here, beside);
-    odd[x] = ByParity(x, beside, here);
+    even[x] = ByParity<T>(column, here, beside);
+    odd[x] = ByParity<T>(column, beside, here);
   }
   even[0] = static_cast<T>(4 * centre[0]);
   odd[0] = static_cast<T>(4 * centre[1]);
@@ -49,11 +52,12 @@ static inline void InterpolateOwnColoursLine(LineOf<T> centre, int width, Mutabl
 template <typename T>
 static inline void InterpolateOtherColoursLine(LineOf<T> above, LineOf<T> below, int width,
                                                MutableLineOf<T> even, MutableLineOf<T> odd) {
-  for (Index x = 1; x < width - 1; ++x) {
+  ColumnOf<T> column = 1;
+  for (Index x = 1; x < width - 1; ++x, ++column) {
     const auto here = static_cast<T>(2 * (above[x] + below[x]));
     const auto beside = static_cast<T>(above[x - 1] + below[x - 1] + above[x + 1] + below[x + 1]);
-    even[x] = ByParity(x, here, beside);
-    odd[x] = ByParity(x, beside, here);
+    even[x] = ByParity<T>(column, here, beside);
+    odd[x] = ByParity<T>(column, beside, here);
   }
   even[0] = static_cast<T>(2 * (above[0] + below[0]));
   odd[0] = static_cast<T>(2 * (above[1] + below[1]));

@@ -16,8 +16,9 @@ static constexpr Sample kHighestRawSample = 4095;
 template <typename T>
 static void WhiteBalanceLine(LineOf<std::uint16_t> in, int width, Sample evenGain, Sample oddGain,
                              Sample clipLevel, MutableLineOf<T> out) {
-  for (Index x = 0; x < width; ++x) {
-    const Sample gain = ByParity(x, evenGain, oddGain);
+  ColumnOf<Sample> column = 0;
+  for (Index x = 0; x < width; ++x, ++column) {
+    const Sample gain = ByParity<Sample>(column, evenGain, oddGain);
     out[x] = static_cast<T>(Min(in[x] * gain / kGainOne + kPedestal, clipLevel));
   }
 }

@@ -14,10 +14,11 @@ static inline void FilterSitesLine(LineOf<T> u3, LineOf<T> u2, LineOf<T> u1, Lin
                                    LineOf<T> d1, LineOf<T> d2, LineOf<T> d3, const Sample* taps,
                                    int width, MutableLine out) {
   const Sample t0 = taps[0], t1 = taps[1], t2 = taps[2], t3 = taps[3];
-  for (Index x = 0; x < width; ++x) {
+  ColumnOf<Sample> column = 0;
+  for (Index x = 0; x < width; ++x, ++column) {
     const Sample site = t3 * m[x] + t1 * (u2[x] + d2[x]);
     const Sample between = t2 * (u1[x] + d1[x]) + t0 * (u3[x] + d3[x]);
-    out[x] = ByParity(x, own == 0 ? site : between, own == 0 ? between : site) / 4;
+    out[x] = ByParity<Sample>(column, own == 0 ? site : between, own == 0 ? between : site) / 4;
   }
 }
 
