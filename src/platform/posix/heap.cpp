@@ -9,7 +9,7 @@ namespace deimg::platform {
 namespace {
 
 #ifdef MADV_HUGEPAGE
-constexpr std::size_t kLargeBlock = 4u << 20;
+constexpr std::size_t kLargeBlock = 2u << 20;
 constexpr std::size_t kPage = 4096;
 
 /// Asks for huge pages: the first touch of a sensor plane in small pages costs a tenth of a job.
