@@ -53,8 +53,8 @@ class PositionPass {
 
   [[nodiscard]] Result Begin(const Sizes& sizes, Phase phase) {
     phase_ = phase;
-    // The four lines of a group, and a line of zeros for what lies before the plane.
-    grid_ = BlockOf<std::uint16_t>::Zeroed(5ull * sizes.gridSamples());
+    // The four lines of a group, a line of zeros for what lies before the plane, and one to split.
+    grid_ = BlockOf<std::uint16_t>::Zeroed(6ull * sizes.gridSamples());
     sums_ = BlockOf<Sample>::Zeroed(4ull * sizes.gridSamples());
     rows_ = BlockOf<std::uint16_t>::Uninitialised(2ull * kGroupsAtOnce * sizes.rowSamples);
     if (!grid_ || !sums_ || !rows_) return DEIMG_OUT_OF_MEMORY;
@@ -122,7 +122,8 @@ class PositionPass {
     const std::array<std::uint16_t*, 3> thirds = {samples, samples + sizes.thirdSamples(),
                                                   samples + 2ull * sizes.thirdSamples()};
     const std::uint32_t whole = sizes.cells - 1;  // cells whose samples are all there
-    kernels_.splitPositionLine(line + phase_.column, static_cast<int>(whole), thirds[0], thirds[1],
+    kernels_.splitPositionLine(line + phase_.column, static_cast<int>(whole),
+                               grid_.get() + 5ull * sizes.gridSamples(), thirds[0], thirds[1],
                                thirds[2]);
     const std::uint32_t there = (sizes.width - phase_.column + 1) / 2;
     for (std::uint32_t i = 3 * whole; i <= 3 * sizes.cells; ++i) {

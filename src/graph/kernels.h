@@ -168,8 +168,8 @@ struct Kernels {
                              std::uint16_t* line);
 
   // Preview reduction.
-  void (*splitPositionLine)(const std::uint16_t* line, int cells, std::uint16_t* first,
-                            std::uint16_t* second, std::uint16_t* third);
+  void (*splitPositionLine)(const std::uint16_t* line, int cells, std::uint16_t* picked,
+                            std::uint16_t* first, std::uint16_t* second, std::uint16_t* third);
   void (*weightGridLine)(const std::uint16_t* g0, const std::uint16_t* g1, const std::uint16_t* g2,
                          const std::uint16_t* g3, const Sample* weights, int count,
                          MutableLine out);
