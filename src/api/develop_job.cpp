@@ -53,9 +53,9 @@ Result DevelopJob::DeriveGeometries() {
 
 Result DevelopJob::MakePlane() {
   const std::uint64_t planeBytes = PlaneBytes(geometry_);
-  // A snapshot of what is free, not a reservation.
-  if (BlockOf<std::uint8_t>::Zeroed(planeBytes + kMemoryMargin)) {
-    planeInMemory_ = MemoryStream::Make(planeBytes);
+  // A snapshot of what is free, not a reservation: nobody touches the block.
+  if (BlockOf<std::uint8_t>::Uninitialised(planeBytes + kMemoryMargin)) {
+    planeInMemory_ = MemoryStream::MakeUninitialised(planeBytes);
     return planeInMemory_ ? DEIMG_OK : DEIMG_OUT_OF_MEMORY;
   }
   return FileStream::MakeTemporary(planeFile_);

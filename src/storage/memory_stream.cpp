@@ -52,9 +52,17 @@ struct MemoryStream::Operations {
 };
 
 MemoryStream MemoryStream::Make(std::uint64_t bytes) {
+  if (bytes > INT32_MAX) return {};
+  return Over(BlockOf<std::uint8_t>::Zeroed(bytes), bytes);
+}
+
+MemoryStream MemoryStream::MakeUninitialised(std::uint64_t bytes) {
+  if (bytes > INT32_MAX) return {};
+  return Over(BlockOf<std::uint8_t>::Uninitialised(bytes), bytes);
+}
+
+MemoryStream MemoryStream::Over(BlockOf<std::uint8_t> data, std::uint64_t bytes) {
   MemoryStream made;
-  if (bytes > INT32_MAX) return made;
-  auto data = BlockOf<std::uint8_t>::Zeroed(bytes);
   auto state = BlockOf<State>::Zeroed(1);
   auto stream = BlockOf<CallerStream>::Zeroed(1);
   if (!data || !state || !stream) return made;

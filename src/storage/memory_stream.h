@@ -17,6 +17,9 @@ class MemoryStream {
 
   /// A stream over `bytes` zero bytes at position 0; empty when memory is short.
   [[nodiscard]] static MemoryStream Make(std::uint64_t bytes);
+  /// The same over bytes that are to be written before anything reads them. Clearing recycled
+  /// memory for a plane would take a fortieth of a job.
+  [[nodiscard]] static MemoryStream MakeUninitialised(std::uint64_t bytes);
 
   explicit operator bool() const { return static_cast<bool>(stream_); }
   CallerStream* get() const { return stream_.get(); }
@@ -31,6 +34,7 @@ class MemoryStream {
     std::uint32_t position;
   };
   struct Operations;
+  static MemoryStream Over(BlockOf<std::uint8_t> data, std::uint64_t bytes);
 
   BlockOf<std::uint8_t> data_;
   BlockOf<State> state_;
