@@ -11,17 +11,31 @@
 
 namespace deimg {
 
-static inline constexpr Sample Min(Sample a, Sample b) { return b < a ? b : a; }
-static inline constexpr Sample Max(Sample a, Sample b) { return a < b ? b : a; }
+template <typename T>
+static inline constexpr T Min(T a, T b) {
+  return b < a ? b : a;
+}
+
+template <typename T>
+static inline constexpr T Max(T a, T b) {
+  return a < b ? b : a;
+}
+
 static inline constexpr Sample Clamp(Sample v, Sample low, Sample high) {
   return Min(Max(v, low), high);
 }
+
 /// Clamp(v / 2^shift, low, high) for `low` of 0 or more: below 0 it does not matter how the
 /// quotient is rounded, and a shift takes a quarter of the instructions of a division.
 static inline constexpr Sample ClampedQuotient(Sample v, int shift, Sample low, Sample high) {
   return Clamp(v >> shift, low, high);
 }
-static inline constexpr Sample Abs(Sample v) { return v < 0 ? -v : v; }
+
+/// The magnitude, no wider than the sample.
+template <typename T>
+static inline constexpr T Abs(T v) {
+  return static_cast<T>(v < 0 ? -v : v);
+}
 
 /// A column's number beside its index, as wide as a sample: what depends on its parity needs no
 /// lanes as wide as an index.
@@ -40,12 +54,6 @@ static inline T ByParity(ColumnOf<T> column, T even, T odd) {
 /// of one width by a comparison of another.
 static inline Sample BySign(Sample v, Sample negative, Sample other) {
   return other ^ ((other ^ negative) & (v >> 31));
-}
-
-/// The magnitude, no wider than the sample.
-template <typename T>
-static inline constexpr T Magnitude(T v) {
-  return static_cast<T>(v < 0 ? -v : v);
 }
 
 /// The lowest value of a sample of type T.

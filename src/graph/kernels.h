@@ -39,6 +39,9 @@ struct DetailLines {
 /// The A-filter's gain by the size of the direction measure, in 32nds: 0 up to `core`, then a ramp
 /// of `step` eighths per unit, and full gain from `full` on.
 struct AFilterGain {
+  static constexpr Sample kFull = 32;
+  static constexpr Sample kLargestSize = 256;  // counted as this, and always full gain
+
   Sample core;
   Sample step;
   Sample full;
@@ -47,6 +50,8 @@ struct AFilterGain {
 /// The gain of the details by brightness level, 128 = 1.0: level x `rise` below `riseEnd`, then
 /// `hold` below `holdEnd`, then `fall` for each level below `end`, and 0.
 struct DetailGain {
+  static constexpr Sample kHighestLevel = 1023;
+
   Sample rise;
   Sample riseEnd;
   Sample hold;

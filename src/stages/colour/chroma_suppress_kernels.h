@@ -28,14 +28,13 @@ static void SuppressionLevelLine(LineOf<T> r, LineOf<T> b, Line luminance, int w
 /// their own level.
 static void LargestLevelLine(LineOf<NarrowSample> level, int width,
                              MutableLineOf<NarrowSample> largest) {
-  const auto larger = [](NarrowSample a, NarrowSample b) { return a < b ? b : a; };
   largest[0] = 0;
   // Levels are never negative, so columns before the line may simply be left out.
-  largest[1] = larger(larger(level[1], level[2]), larger(level[3], level[4]));
-  largest[2] = larger(largest[1], level[5]);
+  largest[1] = Max(Max(level[1], level[2]), Max(level[3], level[4]));
+  largest[2] = Max(largest[1], level[5]);
   for (Index x = 3; x < width - 3; ++x) {
-    largest[x] = larger(larger(larger(level[x - 3], level[x - 2]), larger(level[x - 1], level[x])),
-                        larger(larger(level[x + 1], level[x + 2]), level[x + 3]));
+    largest[x] = Max(Max(Max(level[x - 3], level[x - 2]), Max(level[x - 1], level[x])),
+                     Max(Max(level[x + 1], level[x + 2]), level[x + 3]));
   }
   for (Index x = width - 3; x < width; ++x) largest[x] = level[x];
 }

@@ -1,7 +1,6 @@
 #include "stages/colour/color_system_proc.h"
 
 #include <algorithm>
-#include <cstdlib>
 
 #include "graph/look_up.h"
 #include "graph/rounding.h"

@@ -1,7 +1,5 @@
 #include "stages/colour/hokan_circuit.h"
 
-#include <cstdlib>
-
 namespace deimg {
 
 template <typename T>

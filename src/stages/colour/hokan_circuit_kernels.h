@@ -22,8 +22,8 @@ static void ColourDifferenceLine(LineOf<T> direction, Sample threshold, bool cho
     const bool exchange = direction[x] < limit;
     const auto directedRed = static_cast<T>(red[x] - (exchange ? gb[x] : gr[x]));
     const auto directedBlue = static_cast<T>(blue[x] - (exchange ? gr[x] : gb[x]));
-    const bool useAverage = static_cast<T>(Magnitude(directedRed) + Magnitude(directedBlue)) >
-                            static_cast<T>(Magnitude(averageRed) + Magnitude(averageBlue));
+    const bool useAverage = static_cast<T>(Abs(directedRed) + Abs(directedBlue)) >
+                            static_cast<T>(Abs(averageRed) + Abs(averageBlue));
     red[x] = useAverage ? averageRed : directedRed;
     blue[x] = useAverage ? averageBlue : directedBlue;
   }

@@ -1,7 +1,5 @@
 #include "stages/colour/median_crcb.h"
 
-#include <algorithm>
-
 namespace deimg {
 template <typename T>
 MedianCrCb<T>::MedianCrCb(const StageContext& context)

@@ -2,19 +2,10 @@
 #ifndef DEIMG_STAGES_COLOUR_MEDIAN_CRCB_KERNELS_H
 #define DEIMG_STAGES_COLOUR_MEDIAN_CRCB_KERNELS_H
 
+#include "graph/kernel_math.h"
 #include "graph/line.h"
 
 namespace deimg {
-
-template <typename T>
-static inline T Smaller(T a, T b) {
-  return b < a ? b : a;
-}
-
-template <typename T>
-static inline T Larger(T a, T b) {
-  return a < b ? b : a;
-}
 
 /// Sorts the three values of every column.
 template <typename T>
@@ -22,18 +13,18 @@ static inline void SortColumnsLine(LineOf<T> above, LineOf<T> centre, LineOf<T> 
                                    MutableLineOf<T> lowest, MutableLineOf<T> middle,
                                    MutableLineOf<T> highest) {
   for (Index x = 0; x < width; ++x) {
-    const T low = Smaller(above[x], below[x]);
-    const T high = Larger(above[x], below[x]);
-    lowest[x] = Smaller(low, centre[x]);
-    highest[x] = Larger(high, centre[x]);
-    middle[x] = Larger(low, Smaller(high, centre[x]));
+    const T low = Min(above[x], below[x]);
+    const T high = Max(above[x], below[x]);
+    lowest[x] = Min(low, centre[x]);
+    highest[x] = Max(high, centre[x]);
+    middle[x] = Max(low, Min(high, centre[x]));
   }
 }
 
 template <typename T>
 static inline void Order(T& low, T& high) {
-  const T smaller = Smaller(low, high);
-  high = Larger(low, high);
+  const T smaller = Min(low, high);
+  high = Max(low, high);
   low = smaller;
 }
 
@@ -41,10 +32,10 @@ template <typename T>
 static inline T MedianOf5(T a, T b, T c, T d, T e) {
   Order(a, b);
   Order(c, d);
-  T low = Larger(a, c);
-  T high = Smaller(b, d);
+  T low = Max(a, c);
+  T high = Min(b, d);
   Order(low, high);
-  return Larger(low, Smaller(high, e));
+  return Max(low, Min(high, e));
 }
 
 /// Medians of five neighbouring columns, each sorted. Sorting the five smallest, the five middle
@@ -59,17 +50,17 @@ static inline void MedianOfColumnsLine(LineOf<T> lowest, LineOf<T> middle, LineO
     Order(l0, l1);
     Order(l2, l3);
     const T l4 = lowest[x + 2];
-    const T top = Larger(l1, l3);
-    T p = Larger(Larger(Smaller(l1, l3), Larger(l0, l2)), Smaller(top, l4));
-    T q = Larger(top, l4);
+    const T top = Max(l1, l3);
+    T p = Max(Max(Min(l1, l3), Max(l0, l2)), Min(top, l4));
+    T q = Max(top, l4);
 
     T h0 = highest[x - 2], h1 = highest[x - 1], h2 = highest[x], h3 = highest[x + 1];
     Order(h0, h1);
     Order(h2, h3);
     const T h4 = highest[x + 2];
-    const T bottom = Smaller(h0, h2);
-    T u = Smaller(bottom, h4);
-    T v = Smaller(Smaller(Larger(h0, h2), Smaller(h1, h3)), Larger(bottom, h4));
+    const T bottom = Min(h0, h2);
+    T u = Min(bottom, h4);
+    T v = Min(Min(Max(h0, h2), Min(h1, h3)), Max(bottom, h4));
 
     T m0 = middle[x - 2], m1 = middle[x - 1], m2 = middle[x], m3 = middle[x + 1];
     T m4 = middle[x + 2];
@@ -85,9 +76,9 @@ static inline void MedianOfColumnsLine(LineOf<T> lowest, LineOf<T> middle, LineO
 
     // p <= q, m1 <= m2 <= m3, u <= v: drop the smallest and the largest of the seven.
     Order(p, m1);
-    u = Larger(p, u);
+    u = Max(p, u);
     Order(q, m3);
-    v = Smaller(m3, v);
+    v = Min(m3, v);
     out[x] = MedianOf5(m1, u, q, v, m2);
   }
 }

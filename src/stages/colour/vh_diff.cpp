@@ -1,7 +1,5 @@
 #include "stages/colour/vh_diff.h"
 
-#include <cstdlib>
-
 namespace deimg {
 
 template <typename T>

@@ -14,11 +14,10 @@ static void DirectionMeasureLine(LineOf<T> u2, LineOf<T> u1, LineOf<T> m, LineOf
                                  LineOf<T> d2, int width, MutableLineOf<T> out) {
   out[0] = out[1] = out[width - 2] = out[width - 1] = 0;
   for (Index x = 2; x < width - 2; ++x) {
-    const auto horizontal =
-        static_cast<T>(Magnitude(static_cast<T>(2 * m[x] - m[x - 2] - m[x + 2])) +
-                       Magnitude(static_cast<T>(m[x - 1] - m[x + 1])));
-    const auto vertical = static_cast<T>(Magnitude(static_cast<T>(2 * m[x] - u2[x] - d2[x])) +
-                                         Magnitude(static_cast<T>(u1[x] - d1[x])));
+    const auto horizontal = static_cast<T>(Abs(static_cast<T>(2 * m[x] - m[x - 2] - m[x + 2])) +
+                                           Abs(static_cast<T>(m[x - 1] - m[x + 1])));
+    const auto vertical = static_cast<T>(Abs(static_cast<T>(2 * m[x] - u2[x] - d2[x])) +
+                                         Abs(static_cast<T>(u1[x] - d1[x])));
     out[x] = static_cast<T>(vertical - horizontal);
   }
 }

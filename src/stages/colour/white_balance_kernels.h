@@ -26,7 +26,7 @@ static void WhiteBalanceLine(LineOf<std::uint16_t> in, int width, Sample evenGai
 /// Looks raw samples up; larger ones than the table holds count as its last.
 static void ExposureLine(LineOf<std::uint16_t> in, int width, const std::uint16_t* table,
                          MutableLineOf<std::uint16_t> out) {
-  for (Index x = 0; x < width; ++x) out[x] = table[Min(in[x], kHighestRawSample)];
+  for (Index x = 0; x < width; ++x) out[x] = table[Min<Sample>(in[x], kHighestRawSample)];
 }
 
 }  // namespace deimg

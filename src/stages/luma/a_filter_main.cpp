@@ -6,16 +6,14 @@
 namespace deimg {
 namespace {
 
-constexpr Sample kFullGain = 32;
-constexpr Sample kLargestSize = 256;
 constexpr int kSteepestShift = 8;
 
 }  // namespace
 
 AFilterGain MakeAFilterGain(int slopeShift, int coreLevel) {
   const Sample step = 256 >> slopeShift;
-  const Sample rampEnd = (step * coreLevel / 8 + kFullGain) * 8 / step;
-  return {.core = coreLevel, .step = step, .full = std::min(rampEnd, kLargestSize)};
+  const Sample rampEnd = (step * coreLevel / 8 + AFilterGain::kFull) * 8 / step;
+  return {.core = coreLevel, .step = step, .full = std::min(rampEnd, AFilterGain::kLargestSize)};
 }
 
 template <typename T>

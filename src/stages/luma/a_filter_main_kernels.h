@@ -7,9 +7,6 @@
 
 namespace deimg {
 
-static constexpr Sample kFullAFilterGain = 32;
-static constexpr Sample kLargestAFilterSize = 256;  // always full gain
-
 /// One line.
 template <typename T>
 static void AFilterLine(LineOf<T> direction, Line vertical, Line both, LineOf<T> horizontal,
@@ -17,8 +14,8 @@ static void AFilterLine(LineOf<T> direction, Line vertical, Line both, LineOf<T>
   const Sample core = gain.core, step = gain.step, full = gain.full;
   for (Index x = 0; x < width; ++x) {
     const Sample d = direction[x];
-    const Sample size = Clamp(Abs(d), 0, kLargestAFilterSize);
-    const Sample g = size < full ? (Max(size - core, 0) * step) >> 3 : kFullAFilterGain;
+    const Sample size = Clamp(Abs(d), 0, AFilterGain::kLargestSize);
+    const Sample g = size < full ? (Max(size - core, 0) * step) >> 3 : AFilterGain::kFull;
     const Sample smoothed = BySign(d, 4 * vertical[x], 8 * horizontal[x]);
     out[x] = (smoothed - both[x]) * g / 32;
   }

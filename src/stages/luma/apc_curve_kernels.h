@@ -23,7 +23,7 @@ static inline Sample ApcCurve(const ApcSegments& curve, Sample sample) {
   const Sample offset = third ? curve.offset[2] : first ? curve.offset[0] : curve.offset[1];
   const Sample value = i * slope + offset;
   const Sample magnitude =
-      overflows ? Max(static_cast<std::int16_t>(value / 2048), 0) : Max(value, 0) >> 11;
+      overflows ? Max<Sample>(static_cast<std::int16_t>(value / 2048), 0) : Max(value, 0) >> 11;
   const Sample leastNegative = -(1 << curve.shift);  // whose quotient is not zero
   return v <= leastNegative ? -magnitude : magnitude;
 }

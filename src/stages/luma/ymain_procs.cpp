@@ -9,7 +9,6 @@ namespace deimg {
 namespace {
 
 constexpr Sample kHighest = 8191;
-constexpr Sample kHighestBrightness = 1023;
 
 /// One quadratic segment: its start in units of 4, and its five controls.
 struct Segment {
@@ -47,7 +46,8 @@ Result MakeDetailGain(const DetailGainParams& params, DetailGain& gain) {
   gain.fall = kFall[params.fallCode];
   gain.end = kEnd[params.endCode];
   // Where the fall starts is rounded toward zero: up, where a high peak puts it below zero.
-  gain.holdEnd = gain.fall != 0 ? (gain.end * gain.fall - peak) / gain.fall : kHighestBrightness;
+  gain.holdEnd =
+      gain.fall != 0 ? (gain.end * gain.fall - peak) / gain.fall : DetailGain::kHighestLevel;
   return DEIMG_OK;
 }
 

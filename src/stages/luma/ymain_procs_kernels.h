@@ -9,7 +9,6 @@
 namespace deimg {
 
 static constexpr Sample kHighestLuminance = 8191;
-static constexpr Sample kHighestBrightness = 1023;  // level of the detail gain
 
 /// y / 8, clipped.
 static void ScaleLuminanceLine(Line y, int width, MutableLine out) {
@@ -25,7 +24,7 @@ static void AddDetailsLine(Line y, const DetailLines& details, const DetailGain&
   const Sample hold = gain.hold, holdEnd = gain.holdEnd;
   const Sample fall = gain.fall, end = gain.end, negativeScale = gain.negativeScale;
   const auto enhanced = [&](Index x, Sample brightness, int shift) {
-    const Sample level = ClampedQuotient(brightness, shift, 0, kHighestBrightness);
+    const Sample level = ClampedQuotient(brightness, shift, 0, DetailGain::kHighestLevel);
     const Sample falling = Max(end - level, 0) * fall;
     const Sample weight = level < riseEnd ? level * rise : level < holdEnd ? hold : falling;
     const Sample detail = weight * (hNarrow[x] + hWide[x] + r[x] + v[x] + a[x]) / 128;
