@@ -10,6 +10,7 @@
 #include "storage/memory_stream.h"
 #include "storage/stream_calls.h"
 #include "support/fault_heap.h"
+#include "support/temporary_directory.h"
 
 namespace deimg {
 namespace {
@@ -81,11 +82,12 @@ TEST(MemoryStream, NeedsAllItsBlocks) {
 class FileStreamTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    path_ = ::testing::TempDir() + "deimg_file_stream_test";
     stream_ = FileStream::Make(path_.c_str());
     ASSERT_TRUE(stream_);
   }
-  std::string path_;
+  // Of this test alone: others run beside it.
+  const testing::TemporaryDirectory directory_;
+  const std::string path_ = directory_.path() + "/file";
   FileStream stream_;
 };
 
