@@ -2,11 +2,11 @@
 #include <atomic>
 #include <thread>
 
-#include "api/deimg.h"
+#include <deimg/deimg.h>
 #include "decode/black_level_subtraction.h"
 #include "decode/preview_reduction.h"
 #include "decode/sensor_plane_decoder.h"
-#include "graph/graph_builder.h"
+#include "pipeline/graph_builder.h"
 #include "props/image_props.h"
 #include "storage/memory_stream.h"
 #include "timing.h"
@@ -30,22 +30,30 @@ struct Parts {
   void Decode() {
     std::size_t position = 0;
     CallerStream input = MemoryInput(scene.file, position);
-    if (SensorPlaneDecoder(input, geometry, props, *plane.get()) != DEIMG_OK) std::abort();
+    if (SensorPlaneDecoder(ChosenLevel().planeLines(), input, geometry, props, *plane.get()) !=
+        DEIMG_OK)
+      std::abort();
   }
   void SubtractBlack() {
-    if (BlackLevelSubtraction(geometry, *plane.get(), props.blackLevelWords) != 0) std::abort();
+    if (BlackLevelSubtraction(ChosenLevel().planeLines(), geometry, *plane.get(),
+                              props.blackLevelWords) != 0)
+      std::abort();
   }
   void Graph(int processingSet) {
     CallerStream output = NullOutput();
     DevelopParams params{};
     params.toneLevel = params.matrixLevel = params.colourLevel = params.wbPreset = -10;
     params.processingSet = static_cast<std::int16_t>(processingSet);
-    if (GraphBuilder(*plane.get(), params, props, DEIMG_FORMAT_8BIT, output) != 0) std::abort();
+    if (GraphBuilder(ChosenLevel(), *plane.get(), geometry, params, props, 1, output) != 0) {
+      std::abort();
+    }
   }
   void Reduce() {
     const ImageGeometry reduced = ReduceGeometry(geometry);
     const auto planes = BlockOf<std::uint16_t>::Zeroed(2 * PlaneBytes(reduced));
-    if (PreviewReduction(*plane.get(), geometry, reduced, planes.get()) != DEIMG_OK) std::abort();
+    if (PreviewReduction(ChosenLevel().planeLines(), *plane.get(), geometry, reduced,
+                         planes.get()) != DEIMG_OK)
+      std::abort();
   }
 
   const Scene& scene;

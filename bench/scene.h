@@ -6,7 +6,7 @@
 #include <functional>
 #include <vector>
 
-#include "api/deimg.h"
+#include <deimg/deimg.h>
 
 namespace deimg::bench {
 

@@ -1,6 +1,10 @@
 // Every component of the graph alone: one line computed over and over, as often as a picture has
 // lines, from inputs that stand still.
-#include "graph/processing_graph.h"
+#include <cstring>
+
+#include "pipeline/development_tables.h"
+#include "pipeline/levels.h"
+#include "pipeline/settings.h"
 #include "props/image_props.h"
 #include "storage/memory_stream.h"
 #include "timing.h"
@@ -16,23 +20,24 @@ struct StartedGraph {
     DevelopParams params{};
     params.toneLevel = params.matrixLevel = params.colourLevel = params.wbPreset = -10;
     if (ReadImagePropsBlock(input, block) != 0 || pxfPsReadOpenImageProps(block, props) != 0 ||
-        SettleSettings(params, props, settings) != 0 ||
-        DeriveTables(props, settings, tables) != 0) {
+        ResolveSettings(params, props, settings) != 0 ||
+        DeriveTables(props, settings, tables) != 0 || ResolveIndices(props, settings) != 0) {
       std::abort();
     }
+    geometry = DeriveGeometry(props.sensor);
+    tuning = TuningBlock::Load(props.tuningBlock);
     plane = MemoryStream::Make(scene.mosaic.size() * 2);
     std::memcpy(plane.memory(), scene.mosaic.data(), scene.mosaic.size() * 2);
-    context.emplace(StageContext{ChosenKernels(), settings, tables, TuningBlock(props.tuningBlock),
-                                 props.sensor.width, props.sensor.height});
-    graph.emplace(*plane.get(), *context, 1, props.sensor);
+    graph = ChosenLevel().MakeGraph(*plane.get(), {settings, tables, tuning, geometry}, 1);
     if (graph->Find(TypeId::kLastStageRgb)->Start(scene.height / 2) != 0) std::abort();
   }
   ImageProps props{};
   DevelopSettings settings;
   DevelopmentTables tables;
+  TuningBlock tuning{};
+  ImageGeometry geometry{};
   MemoryStream plane;
-  std::optional<StageContext> context;
-  std::optional<ProcessingGraph<NarrowSample>> graph;
+  GraphOwner graph;
 };
 
 }  // namespace

@@ -15,3 +15,7 @@ if(DEIMG_SANITIZE)
   add_compile_options(-fsanitize=${DEIMG_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${DEIMG_SANITIZE})
 endif()
+if(DEIMG_SANITIZE OR CMAKE_BUILD_TYPE STREQUAL "Debug")
+  # What stages read and write is held to what they declare.
+  add_compile_definitions(DEIMG_CHECK_CONTRACTS)
+endif()

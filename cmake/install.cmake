@@ -14,7 +14,7 @@ install(TARGETS deimg_shared EXPORT deimgTargets
   RUNTIME COMPONENT runtime
   LIBRARY COMPONENT runtime NAMELINK_COMPONENT development)
 install(TARGETS deimg EXPORT deimgTargets ARCHIVE COMPONENT development)
-install(FILES src/api/deimg.h include/deimg/streams.hpp
+install(FILES include/deimg/deimg.h include/deimg/streams.hpp
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/deimg COMPONENT development)
 
 # How other builds find them.

@@ -2,10 +2,11 @@
 #include <algorithm>
 #include <vector>
 
+#include "base/byte_order.h"
 #include "decode/sensor_plane_decoder.h"
 #include "job.h"
+#include "pipeline/levels.h"
 #include "plain_decoder.h"
-#include "props/byte_order.h"
 #include "storage/memory_stream.h"
 #include "support/fault_heap.h"
 
@@ -49,7 +50,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const int wholeReads = recipe.codeSet < 128 ? INT_MAX : 2;  // low bits, first coded bytes
     fuzz::PieceStream input({{}, fill, recipe.fillValue, coded}, wholeReads);
     MemoryStream plane = MemoryStream::Make(2 * samples);
-    const Result result = SensorPlaneDecoder(*input.get(), geometry, props, *plane.get());
+    const Result result =
+        SensorPlaneDecoder(ChosenLevel().planeLines(), *input.get(), geometry, props, *plane.get());
 
     std::vector<std::uint8_t> bits(65536 - before - start, recipe.fillValue);
     bits.insert(bits.end(), coded.begin(), coded.end());

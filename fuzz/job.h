@@ -8,7 +8,7 @@
 #include <cstring>
 #include <span>
 
-#include "api/deimg.h"
+#include <deimg/deimg.h>
 
 namespace deimg::fuzz {
 

@@ -4,8 +4,8 @@
 
 #include <algorithm>
 
+#include "base/byte_order.h"
 #include "job.h"
-#include "props/byte_order.h"
 
 namespace deimg::fuzz {
 

@@ -3,9 +3,9 @@
 #include <random>
 #include <vector>
 
+#include "base/byte_order.h"
 #include "base_files.h"
 #include "job.h"
-#include "props/byte_order.h"
 
 using namespace deimg::fuzz;
 namespace rawfile = deimg::rawfile;

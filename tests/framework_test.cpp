@@ -6,8 +6,11 @@
 #include <set>
 
 #include "graph/component.h"
-#include "graph/processing_graph.h"
-#include "graph/source_stream_reader.h"
+#include "graph/stage.h"
+#include "pipeline/connections.h"
+#include "pipeline/development_tables.h"
+#include "pipeline/levels.h"
+#include "pipeline/settings.h"
 #include "props/image_props.h"
 #include "rawfile/random_camera.h"
 #include "storage/memory_stream.h"
@@ -21,10 +24,10 @@ namespace {
 /// Writes the absolute number of each line it computes, and counts the lines.
 class Probe final : public ComponentX {
  public:
-  explicit Probe(const ComponentInfo& info) : ComponentX(info, 4, 100, 4) {}
+  explicit Probe(const ComponentInfo& info) : ComponentX(info, {4, 100}, 4) {}
   Result Run(int first, int last) override {
     for (int o = first; o <= last; ++o) {
-      OwnLine(o, 0)[0] = currentLine() + o;
+      port(0)->Line(o)[0] = currentLine() + o;
       ++linesComputed;
     }
     return failAt != 0 && linesComputed >= failAt ? Result{77} : Result{DEIMG_OK};
@@ -76,9 +79,9 @@ TEST(Component, DiamondComputesEveryLineOnce) {
   EXPECT_EQ(sink.currentLine(), ComponentX::kNotStarted);
 
   ASSERT_EQ(sink.Start(5), DEIMG_OK);
-  EXPECT_EQ(sink.context(), 0);
-  EXPECT_EQ(left.context(), 2);
-  EXPECT_EQ(source.context(), 8);
+  EXPECT_EQ(sink.margin(), 0);
+  EXPECT_EQ(left.margin(), 2);
+  EXPECT_EQ(source.margin(), 8);
   EXPECT_EQ(source.linesComputed, 9);
   for (int line = 6; line <= 20; ++line) {
     ASSERT_EQ(sink.Advance(line), DEIMG_OK);
@@ -99,44 +102,67 @@ TEST(Component, DiamondComputesEveryLineOnce) {
 
 TEST(Component, LimitsAndEmptyKernels) {
   Probe none(kNoLines), source(kOneLine);
-  EXPECT_EQ(none.reach(), 0);
+  EXPECT_EQ(none.border(), 0);
   EXPECT_STREQ(none.port(2)->name(), "Component2");
   EXPECT_EQ(none.port(3), nullptr);
   for (int i = 0; i < ComponentX::kMostInputs; ++i) EXPECT_EQ(none.Connect(source), DEIMG_OK);
   EXPECT_EQ(none.Connect(source), DEIMG_BAD_REQUEST);
 }
 
-/// A stream holding `height` lines of 8 samples; every sample of line n is n x 300.
-MemoryStream PlaneOf(int height) {
-  MemoryStream stream = MemoryStream::Make(static_cast<std::uint64_t>(height) * 16);
-  for (int i = 0; i < height * 8; ++i) {
-    const int value = i / 8 * 300;
-    stream.memory()[2 * i] = static_cast<std::uint8_t>(value);
-    stream.memory()[2 * i + 1] = static_cast<std::uint8_t>(value >> 8);
-  }
-  return stream;
+/// Reads one line further down than it declares, or writes one.
+class Careless final : public Stage {
+ public:
+  Careless(ComponentX& source, bool reads)
+      : Stage(kThreeLines, {4, 100}, {&source}), reads_(reads), in_(*this, source, 0) {}
+
+ private:
+  void ComputeLine(int o) override { out_[reads_ ? o : o + 1][0] = *in_[reads_ ? o + 2 : o]; }
+  const bool reads_;
+  const Input<Sample> in_;
+  const Output<Sample> out_{*this, 0};
+};
+
+TEST(Stage, ContractBrokenIsSaidByName) {
+#ifdef DEIMG_CHECK_CONTRACTS
+  Probe source(kOneLine);
+  Careless reader(source, true), writer(source, false);
+  EXPECT_DEATH((void)reader.Start(5), "stage \"three\".* reads port 0 of \"one\".* at offset 2");
+  EXPECT_DEATH((void)writer.Start(5), "stage \"three\".* writes port 0 .* at offset 1");
+#else
+  GTEST_SKIP() << "contracts are checked in debug and sanitizer builds";
+#endif
 }
 
-class Reader final : public ComponentX {
- public:
-  Reader() : ComponentX(kInfo, 8, 0, 4) {}
-  Result Run(int, int) override { return DEIMG_OK; }
-  static constexpr ComponentInfo kInfo = {TypeId::kVHDiff, "reader", 9, 1};
+/// A graph with its job's settings, on a plane that a test fills.
+struct Job {
+  Job(int width, int height)
+      : plane(MemoryStream::Make(2ull * unsigned(width) * unsigned(height))) {
+    geometry.sensorWidth = geometry.areaWidth = static_cast<std::uint16_t>(width);
+    geometry.sensorHeight = geometry.areaHeight = static_cast<std::uint16_t>(height);
+  }
+  GraphOwner Graph(bool narrow = true) {
+    const LevelCode& code = BestLevel("").code;
+    const auto make = narrow ? code.makeNarrowGraph : code.makeWideGraph;
+    return make(*plane.get(), {settings, tables, tuning, geometry}, 2);
+  }
+  DevelopSettings settings;
+  DevelopmentTables tables;
+  TuningBlock tuning{};
+  ImageGeometry geometry{};
+  MemoryStream plane;
 };
 
 TEST(SourceStreamReader, ServesAndRepeatsLines) {
-  const DevelopSettings settings;
-  const DevelopmentTables tables;
-  static const std::uint8_t block[TuningBlock::kSize] = {};
   for (const int height : {2, 100, 217, 450}) {
-    const MemoryStream plane = PlaneOf(height);
-    const StageContext context{ChosenKernels(), settings, tables, TuningBlock(block), 8, height};
-    SourceStreamReader source(*plane.get(), context);
-    Reader reader;
-    ASSERT_EQ(reader.Connect(source), DEIMG_OK);
+    Job job(8, height);
+    auto* const raw = reinterpret_cast<std::uint16_t*>(job.plane.memory());
+    for (int i = 0; i < 8 * height; ++i) raw[i] = static_cast<std::uint16_t>(i / 8 * 300);
+    const GraphOwner graph = job.Graph();
+    ComponentX& source = *graph->Find(TypeId::kSourceStreamReader);
+    source.ComputeContext(8);
     EXPECT_EQ(source.Advance(1), DEIMG_NOT_STARTED);
     for (int line = 0; line < height; ++line) {
-      ASSERT_EQ(line == 0 ? reader.Start(0) : reader.Advance(line), DEIMG_OK);
+      ASSERT_EQ(line == 0 ? source.Start(0) : source.Advance(line), DEIMG_OK);
       for (int o = -4; o <= 4; ++o) {
         const int expected = std::clamp(line + o, 0, height - 1) * 300 % 65536;
         ASSERT_EQ(source.GetLine<std::uint16_t>(o, 0)[7], expected)
@@ -144,16 +170,6 @@ TEST(SourceStreamReader, ServesAndRepeatsLines) {
       }
     }
   }
-}
-
-/// The lines of a graph whose mosaic has samples of type T.
-template <typename T>
-std::vector<std::vector<std::uint8_t>> LinesOf(CallerStream& plane, const StageContext& context,
-                                               const SensorRecord& sensor) {
-  testing::OutputStream output(DEIMG_PROGRESS_NEVER);
-  ProcessingGraph<T> graph(plane, context, 2, sensor);
-  EXPECT_EQ(graph.Run(*output.get(), DEIMG_OK), DEIMG_OK);
-  return output.lines;
 }
 
 TEST(ProcessingGraph, NarrowAndWideMosaicsGiveTheSamePicture) {
@@ -165,54 +181,65 @@ TEST(ProcessingGraph, NarrowAndWideMosaicsGiveTheSamePicture) {
     ASSERT_EQ(ReadImagePropsBlock(*input.get(), block), DEIMG_OK);
     ASSERT_EQ(pxfPsReadOpenImageProps(block, props), DEIMG_OK);
     DevelopParams params = testing::RecordedParams();
-    DevelopSettings settings;
-    DevelopmentTables tables;
-    ASSERT_EQ(SettleSettings(params, props, settings), DEIMG_OK);
-    ASSERT_EQ(DeriveTables(props, settings, tables), DEIMG_OK);
-    settings.isoClass = IsoClassOf(static_cast<std::int16_t>(props.sensitivity())).value();
+    Job job(props.sensor.width, props.sensor.height);
+    ASSERT_EQ(ResolveSettings(params, props, job.settings), DEIMG_OK);
+    ASSERT_EQ(DeriveTables(props, job.settings, job.tables), DEIMG_OK);
+    ASSERT_EQ(ResolveIndices(props, job.settings), DEIMG_OK);
+    job.tuning = TuningBlock::Load(props.tuningBlock);
     const auto gain = static_cast<std::int32_t>(seed * seed * 80);
-    settings.wbGains = {gain, 1024, 32767 - gain, 1500};
-    ASSERT_TRUE(settings.mosaicIsNarrow());
-    const std::size_t bytes = 2 * camera.plane.samples.size();
-    const MemoryStream plane = MemoryStream::Make(bytes);
-    std::memcpy(plane.memory(), camera.plane.samples.data(), bytes);
-    const StageContext context{
-        ChosenKernels(),    settings,           tables, TuningBlock(props.tuningBlock),
-        props.sensor.width, props.sensor.height};
-    EXPECT_EQ(LinesOf<NarrowSample>(*plane.get(), context, props.sensor),
-              LinesOf<Sample>(*plane.get(), context, props.sensor))
-        << seed;
+    job.settings.wbGains = {gain, 1024, 32767 - gain, 1500};
+    std::memcpy(job.plane.memory(), camera.plane.samples.data(), 2 * camera.plane.samples.size());
+    const auto lines = [&](bool narrow) {
+      testing::OutputStream output(DEIMG_PROGRESS_NEVER);
+      EXPECT_EQ(job.Graph(narrow)->Run(*output.get(), DEIMG_OK), DEIMG_OK);
+      return output.lines;
+    };
+    const auto wide = lines(false);
+    EXPECT_EQ(lines(true), wide) << seed;
+
+    // A job takes narrow samples only for gains that leave none outside 0 to 4095.
+    for (const std::int32_t wild : {-1, -4000, 32768, 1 << 21, INT32_MIN}) {
+      job.settings.wbGains[seed % 4] = wild;
+      testing::OutputStream output(DEIMG_PROGRESS_NEVER);
+      const GraphOwner graph = BestLevel("").MakeGraph(
+          *job.plane.get(), {job.settings, job.tables, job.tuning, job.geometry}, 2);
+      ASSERT_EQ(graph->Run(*output.get(), DEIMG_OK), DEIMG_OK);
+      ASSERT_EQ(output.lines, lines(false)) << seed << ' ' << wild;
+    }
   }
 }
 
-TEST(ProcessingGraph, IsWiredAsTheTableSays) {
+TEST(ProcessingGraph, IsWiredAsTheTablesSay) {
   EXPECT_EQ(std::size(kComponents), 20u);
   EXPECT_EQ(std::size(kConnections), 36u);
-  std::set<std::pair<TypeId, TypeId>> distinct;
-  for (const Connection& c : kConnections) distinct.insert({c.consumer, c.input});
-  EXPECT_EQ(distinct.size(), 36u);
-
-  const MemoryStream plane = MemoryStream::Make(2 * 16 * 16);
-  const std::vector<std::uint8_t> zeros(TuningBlock::kSize);
-  DevelopSettings settings;
-  settings.wbGainsSet = true;
-  const DevelopmentTables tables;
-  const auto& block = *reinterpret_cast<const std::uint8_t(*)[TuningBlock::kSize]>(zeros.data());
-  const StageContext context{ChosenKernels(), settings, tables, TuningBlock(block), 16, 16};
-  const SensorRecord sensor{};
-  ProcessingGraph<Sample> graph(*plane.get(), context, 1, sensor);
-  graph.Find(TypeId::kLastStageRgb)->ComputeContext(0);
-  const std::map<TypeId, int> expected = {{TypeId::kSourceStreamReader, 8},
-                                          {TypeId::kWhiteBalance, 8},
-                                          {TypeId::kVHDiff, 4},
-                                          {TypeId::kHokanCircuit, 2},
-                                          {TypeId::kAFilterHokanLpf, 6}};
+  const GraphOwner graph = Job(16, 16).Graph();
+  graph->Find(TypeId::kLastStageRgb)->ComputeContext(0);
+  const std::map<TypeId, int> margins = {{TypeId::kSourceStreamReader, 8},
+                                         {TypeId::kWhiteBalance, 8},
+                                         {TypeId::kVHDiff, 4},
+                                         {TypeId::kHokanCircuit, 2},
+                                         {TypeId::kAFilterHokanLpf, 6}};
   for (const ComponentInfo& info : kComponents) {
-    ComponentX* const component = graph.Find(info.typeId);
+    ComponentX* const component = graph->Find(info.typeId);
     ASSERT_NE(component, nullptr) << info.name;
-    const auto it = expected.find(info.typeId);
-    EXPECT_EQ(component->context(), it == expected.end() ? 0 : it->second) << info.name;
+    const auto it = margins.find(info.typeId);
+    EXPECT_EQ(component->margin(), it == margins.end() ? 0 : it->second) << info.name;
     EXPECT_EQ(component->width(), info.typeId == TypeId::kLastStageRgb ? 48 : 16);
+    std::vector<TypeId> expected, wired;
+    for (const Connection& c : kConnections) {
+      if (c.consumer == info.typeId) expected.push_back(c.input);
+    }
+    for (const ComponentX* input : component->inputs()) wired.push_back(input->typeId());
+    EXPECT_EQ(wired, expected) << info.name;
+  }
+}
+
+TEST(Levels, AreChosenByName) {
+  for (const Level& level : Levels()) {
+    const Level& best = BestLevel(level.name);
+    EXPECT_TRUE(best.isSupported());
+    EXPECT_EQ(&best == &level, level.isSupported());
+    EXPECT_LE(&best, &level) << "none above the one named";
   }
 }
 

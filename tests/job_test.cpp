@@ -8,7 +8,7 @@
 #include "api/thumbnail.h"
 #include "rawfile/random_camera.h"
 #include "support/fault_heap.h"
-#include "support/kernel_choice.h"
+#include "support/level_choice.h"
 #include "support/streams.h"
 
 namespace deimg {
@@ -34,16 +34,13 @@ std::uint64_t HashOf(const Outcome& outcome) {
   return hash;
 }
 
-/// Whole jobs with the kernels of every instruction level.
-class JobAtLevel : public ::testing::TestWithParam<KernelLevel> {};
-INSTANTIATE_TEST_SUITE_P(Levels, JobAtLevel, ::testing::ValuesIn(kKernelLevels),
-                         testing::LevelName);
+class JobAtLevel : public testing::LevelTest {};
+DEIMG_INSTANTIATE_LEVELS(JobAtLevel);
 
 /// Bytes recorded when every picture agreed with an independent implementation of the development.
 TEST_P(JobAtLevel, BytesNeverChange) {
-  if (KernelsOf(GetParam()) == nullptr) GTEST_SKIP() << "this processor does not have the level";
-  const testing::KernelScope kernels(GetParam());
-  const int choices = testing::KernelScope::Choices();
+  const testing::LevelScope scope(level);
+  const int choices = testing::LevelScope::Choices();
   struct Case {
     const char* sample;
     std::uint32_t flags, format;
@@ -76,7 +73,7 @@ TEST_P(JobAtLevel, BytesNeverChange) {
     all = all * 31 + HashOf(outcome);
   }
   EXPECT_EQ(all, 9187354399063195119u);
-  EXPECT_GE(testing::KernelScope::Choices(), choices + 69) << "these kernels ran";
+  EXPECT_GE(testing::LevelScope::Choices(), choices + 67) << "this level ran";
 }
 
 TEST(Job, ChecksItsArgumentsInOrder) {
@@ -259,12 +256,11 @@ TEST(Job, SingleLineAndShiftedColumn) {
 TEST(Thumbnail, LetterboxesAndCuts) {
   const auto blackRows = [](int width, int height) {
     const Bytes picture(static_cast<std::size_t>(3 * width * height), 200);
-    Bytes thumbnail(kThumbnailBytes, 0);
-    ResampleThumbnail(picture.data(), width, height, thumbnail.data());
+    ThumbnailBuffer thumbnail;
+    EXPECT_TRUE(thumbnail.Allocate());
+    thumbnail.Resample(picture.data(), width, height);
     std::pair<int, int> bars{0, 0};
-    const auto row = [&](int y) {
-      return thumbnail[static_cast<std::size_t>(y) * kThumbnailRowBytes];
-    };
+    const auto row = [&](int y) { return thumbnail.row(y)[0]; };
     while (bars.first < 120 && row(bars.first) == 0) ++bars.first;
     while (bars.second < 120 && row(119 - bars.second) == 0) ++bars.second;
     return bars;
@@ -277,10 +273,11 @@ TEST(Thumbnail, LetterboxesAndCuts) {
   Bytes ramp;
   for (int i = 0; i < 320 * 240; ++i)
     ramp.insert(ramp.end(), 3, static_cast<std::uint8_t>(i % 320));
-  Bytes thumbnail(kThumbnailBytes, 0);
-  ResampleThumbnail(ramp.data(), 320, 240, thumbnail.data());
-  EXPECT_EQ(thumbnail[3 * 77], 154);
-  EXPECT_EQ(thumbnail[kThumbnailBytes - 1], 318 % 256);
+  ThumbnailBuffer thumbnail;
+  ASSERT_TRUE(thumbnail.Allocate());
+  thumbnail.Resample(ramp.data(), 320, 240);
+  EXPECT_EQ(thumbnail.row(0)[3 * 77], 154);
+  EXPECT_EQ(thumbnail.row(119)[ThumbnailBuffer::kRowBytes - 1], 318 % 256);
 }
 
 }  // namespace

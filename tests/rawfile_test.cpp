@@ -5,10 +5,11 @@
 #include <cstdlib>
 
 #include "decode/sensor_plane_decoder.h"
+#include "pipeline/levels.h"
 #include "rawfile/mosaic.h"
 #include "rawfile/natural_tuning.h"
 #include "rawfile/random_camera.h"
-#include "rawfile/tone_curves.h"
+#include "stages/tone_curves.h"
 #include "storage/memory_stream.h"
 #include "support/streams.h"
 
@@ -41,7 +42,8 @@ ReadBack Read(const RawFile& file) {
   if (back.result != 0) return back;
   const ImageGeometry geometry = DeriveGeometry(back.props.sensor);
   MemoryStream plane = MemoryStream::Make(PlaneBytes(geometry));
-  back.result = SensorPlaneDecoder(*input.get(), geometry, back.props, *plane.get());
+  back.result = SensorPlaneDecoder(ChosenLevel().planeLines(), *input.get(), geometry, back.props,
+                                   *plane.get());
   for (size_t i = 0; i < file.plane.samples.size(); ++i) {
     back.samples.push_back(
         static_cast<uint16_t>(plane.memory()[2 * i] | plane.memory()[2 * i + 1] << 8));
@@ -143,21 +145,26 @@ TEST(RandomCameras, ReadBackAsWritten) {
     EXPECT_EQ(words[10] | words[11] << 16, p.tables.matrices[0][0].kelvin);
     EXPECT_EQ(words[676] | words[677] << 16, p.tables.luminanceWeights[6].kelvin);
     EXPECT_EQ(int16_t(words[680]), p.tables.luminanceWeights[6].values[2]);
-    const TuningBlock block(back.props.tuningBlock);
-    for (size_t set = 0; set < rawfile::kSets; ++set) {
-      const rawfile::DetailTuning& detail = p.tuning.details[set];
-      const auto index = static_cast<int>(set);
-      EXPECT_EQ(block.verLpfKernelSelect(index), p.tuning.filters[set].verticalLpf);
-      EXPECT_EQ(block.apcCurve(index, TuningBlock::ApcCurveId::kA)[7],
-                detail.directional.offsets[2]);
-      EXPECT_EQ(block.negativeModeB(index), detail.negativeB);
-      EXPECT_EQ(block.detailGainPeak(index, 4), detail.gainPeaks[4]);
+    // Values of every record by their positions in the block.
+    const auto word = [&](size_t byte) {
+      return static_cast<int16_t>(LoadU16(back.props.tuningBlock + byte, false));
+    };
+    for (size_t set = 0; set < kTuningSets; ++set) {
+      const DetailTuning& detail = p.tuning.details[set];
+      EXPECT_EQ(word(34 + 16 * set), p.tuning.filters[set].verLpfKernelSelect);
+      EXPECT_EQ(word(84 + 124 * set + 98), detail.aApc.offset[2]);
+      EXPECT_EQ(word(84 + 124 * set + 112), detail.gain.negativeModeB);
+      EXPECT_EQ(word(84 + 124 * set + 122), detail.gain.peak[4]);
     }
-    EXPECT_EQ(block.toneControls(2, 4)[31], p.tuning.luminanceCurves[2][4].segments[5].quarter);
-    EXPECT_EQ(block.rgbToneRecord(2, 4)[44], p.tuning.rgbCurves[2][4].segments[6].mode);
-    EXPECT_EQ(int16_t(block.chromaSuppression(4)[8]), p.tuning.chromaSuppression[4].tailSlope);
-    EXPECT_EQ(block.blackB(), p.tuning.blackOffsets[2]);
-    EXPECT_EQ(int16_t(block.chromaCorrection(2)[5]), p.tuning.chromaCorrection[2].thresholdShift);
+    EXPECT_EQ(word(580 + 320 * 2 + 64 * 4 + 62), p.tuning.luminanceTone[2][4].last.quarter);
+    EXPECT_EQ(word(1540 + 450 * 2 + 90 * 4 + 88), p.tuning.rgbTone[2][4].lastMode);
+    EXPECT_EQ(word(2890 + 18 * 4 + 16),
+              static_cast<int16_t>(p.tuning.chromaSuppression[4].tailSlope));
+    EXPECT_EQ(word(2986), p.tuning.blackB);
+    EXPECT_EQ(word(2988 + 14 * 2 + 10),
+              static_cast<int16_t>(p.tuning.chromaCorrection[2].thresholdShift));
+    // What nobody reads is noise, or zero.
+    EXPECT_EQ(word(0) == 0 && word(10) == 0 && word(18) == 0, p.unreadSeed == 0);
     big += file.order == ByteOrder::kBig;
     ++sets[std::min(p.decoder.codeSet, 2u)];
   }
@@ -219,9 +226,10 @@ TEST(Pictures, GreyRampIsNeutralAndRising) {
 }
 
 TEST(Pictures, TonesAreThoseOfTheOutputSpace) {
-  const rawfile::LuminanceCurve curve = rawfile::NaturalProperties().tuning.luminanceCurves[1][0];
+  const LuminanceToneTuning curve = rawfile::NaturalProperties().tuning.luminanceTone[1][0];
   const int kPoints[][2] = {{380, 63}, {1368, 118}, {3800, 188}, {6840, 243}};  // of 7600; sRGB
-  for (const auto& [input, level] : kPoints) EXPECT_NEAR(Evaluate(curve, input), 32 * level, 80);
+  for (const auto& [input, level] : kPoints)
+    EXPECT_NEAR(LuminanceToneCurve(input, curve), 32 * level, 80);
 }
 
 TEST(Pictures, ComeBack) {

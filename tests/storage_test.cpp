@@ -128,7 +128,7 @@ TEST_F(FileStreamTest, UpdatesAndIsDeleted) {
 }
 
 TEST(TemporaryFiles, TakeTheNextFreeName) {
-  char first[FileStream::kPathSize];
+  char first[FileStreamState::kPathSize];
   ASSERT_TRUE(MakeTemporaryName(first, sizeof(first)));
   EXPECT_NE(std::strstr(first, "/_dv"), nullptr);
   FileStream stream;

@@ -1,9 +1,8 @@
-// Settling the settings, and the values derived from the tuning tables.
+// Resolving the settings, and the values derived from the tuning tables.
 #include <gtest/gtest.h>
 
-#include "api/develop_params.h"
-#include "graph/develop_settings.h"
-#include "graph/development_tables.h"
+#include "pipeline/development_tables.h"
+#include "pipeline/settings.h"
 #include "support/streams.h"
 
 namespace deimg {
@@ -11,7 +10,7 @@ namespace {
 
 using Values = std::array<std::int16_t, 3>;
 
-TEST(SettleParams, WritesDefaultsOnlyIntoAnUnfilledBlock) {
+TEST(ApplyDefaults, WritesDefaultsOnlyIntoAnUnfilledBlock) {
   DevelopParams params{};
   params.unused4[1] = 9;
   params.chromaMedian = -1;
@@ -19,7 +18,7 @@ TEST(SettleParams, WritesDefaultsOnlyIntoAnUnfilledBlock) {
   params.wbPreset = 6;
   params.whiteBalance.wbGainsSet = 1;
   params.whiteBalance.wbGains[2] = 77;
-  SettleParams(params);
+  ApplyDefaults(params);
   EXPECT_EQ(params.toneLevel, DEIMG_AS_RECORDED);
   EXPECT_EQ(params.wbPreset, DEIMG_AS_RECORDED);
   EXPECT_EQ(params.chromaMedian, -1);
@@ -31,15 +30,15 @@ TEST(SettleParams, WritesDefaultsOnlyIntoAnUnfilledBlock) {
     params.filled = 1;
     params.wbPreset = static_cast<std::int16_t>(preset);
     params.whiteBalance.wbGainsSet = 1;
-    SettleParams(params);
+    ApplyDefaults(params);
     EXPECT_EQ(params.whiteBalance.wbGainsSet, 1);
   }
   params.whiteBalance.wbGainsSet = 2;
-  SettleParams(params);
+  ApplyDefaults(params);
   EXPECT_EQ(+params.whiteBalance.wbGains[2], 0u);
 }
 
-TEST(SettleSettings, TakesWhatIsRecorded) {
+TEST(ResolveSettings, TakesWhatIsRecorded) {
   ImageProps props{};
   props.shooting[7] = 2;
   props.levels[13] = 1;
@@ -50,10 +49,10 @@ TEST(SettleSettings, TakesWhatIsRecorded) {
   props.colourTemperatures[3] = 5200;
   DevelopParams params = testing::RecordedParams();
   DevelopSettings settings;
-  ASSERT_EQ(SettleSettings(params, props, settings), DEIMG_OK);
+  ASSERT_EQ(ResolveSettings(params, props, settings), DEIMG_OK);
   EXPECT_EQ(settings.toneLevel, 1);
   EXPECT_EQ(settings.matrixLevel, -1);
-  EXPECT_EQ(settings.setIndex(), 3);
+  EXPECT_EQ(settings.processingSet, 3);
   EXPECT_EQ(settings.colourLevel, -1);
   EXPECT_EQ(settings.wbGains[0], 65535);
   EXPECT_EQ(settings.colourTemperature, 5200);
@@ -63,15 +62,15 @@ TEST(SettleSettings, TakesWhatIsRecorded) {
   // Gains are there: only the colour temperature is taken by the preset.
   params.wbPreset = -1;
   props.colourTemperatures[0] = 4000;
-  ASSERT_EQ(SettleSettings(params, props, settings), DEIMG_OK);
+  ASSERT_EQ(ResolveSettings(params, props, settings), DEIMG_OK);
   EXPECT_EQ(settings.colourTemperature, 4000);
   for (const int preset : {-2, 7}) {
     params.wbPreset = static_cast<std::int16_t>(preset);
-    EXPECT_EQ(SettleSettings(params, props, settings), DEIMG_UNSUPPORTED);
+    EXPECT_EQ(ResolveSettings(params, props, settings), DEIMG_UNSUPPORTED);
   }
   params.whiteBalance.wbGainsSet = 0;
   params.wbPreset = -1;
-  EXPECT_EQ(SettleSettings(params, props, settings), DEIMG_UNSUPPORTED);
+  EXPECT_EQ(ResolveSettings(params, props, settings), DEIMG_UNSUPPORTED);
 }
 
 TEST(Interpolate, WeightsIn4096ths) {
@@ -184,10 +183,22 @@ TEST_F(DeriveTablesTest, RefusesInconsistentTables) {
   EXPECT_EQ(DeriveTables(props_, settings_, tables_), DEIMG_BAD_TUNING);
 }
 
-TEST(IsoClass, KnowsFiveSensitivities) {
-  EXPECT_EQ(IsoClassOf(160), 0);
-  EXPECT_EQ(IsoClassOf(268), 4);
-  EXPECT_FALSE(IsoClassOf(200));
+TEST(ResolveIndices, KnowsFiveSensitivitiesAndFourSets) {
+  ImageProps props{};
+  DevelopSettings settings;
+  const auto resolve = [&](int sensitivity, int set) {
+    props.shooting[2] = static_cast<std::uint16_t>(sensitivity);
+    settings.processingSet = static_cast<std::int16_t>(set);
+    return ResolveIndices(props, settings);
+  };
+  EXPECT_EQ(resolve(268, 3), DEIMG_OK);
+  EXPECT_EQ(settings.isoClass, 4u);
+  EXPECT_EQ(settings.setIndex, 3u);
+  EXPECT_EQ(resolve(160, -1), DEIMG_OK);
+  EXPECT_EQ(settings.isoClass, 0u);
+  EXPECT_EQ(settings.setIndex, 0u);
+  EXPECT_EQ(resolve(200, 0), DEIMG_UNSUPPORTED);
+  for (const int set : {-2, 2, 4}) EXPECT_EQ(resolve(160, set), DEIMG_UNSUPPORTED);
 }
 
 }  // namespace

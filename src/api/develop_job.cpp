@@ -1,12 +1,11 @@
 #include "api/develop_job.h"
 
-#include "api/develop_params.h"
-#include "api/thumbnail.h"
 #include "decode/black_level_subtraction.h"
 #include "decode/point_white_balance.h"
 #include "decode/preview_reduction.h"
 #include "decode/sensor_plane_decoder.h"
-#include "graph/graph_builder.h"
+#include "pipeline/graph_builder.h"
+#include "pipeline/settings.h"
 #include "storage/stream_calls.h"
 
 namespace deimg {
@@ -18,16 +17,19 @@ constexpr std::uint64_t kMemoryMargin = 2097152;
 }  // namespace
 
 Result DevelopJob::Run() {
-  SettleParams(params_);
+  ApplyDefaults(params_);
   DEIMG_RETURN_IF_FAILED(Report(1));
   DEIMG_RETURN_IF_FAILED(ReadProperties());
   DEIMG_RETURN_IF_FAILED(DeriveGeometries());
   DEIMG_RETURN_IF_FAILED(MakePlane());
   DEIMG_RETURN_IF_FAILED(FillPlane());
   DEIMG_RETURN_IF_FAILED(BalanceFromPoint());
-  if (!isReduced()) return DevelopFull();
+  if (kind_.quick) ForceQuickSettings(params_);
+  if (!kind_.reduced) {
+    return GraphBuilder(level_, plane(), geometry_, params_, props_, format_.sampleBytes, output_);
+  }
   DEIMG_RETURN_IF_FAILED(ReducePlane());
-  return flags_ == DEIMG_JOB_PREVIEW ? DevelopReduced(output_) : DevelopThumbnail();
+  return kind_.thumbnail ? DevelopThumbnail() : DevelopReduced(output_);
 }
 
 Result DevelopJob::ReadProperties() {
@@ -48,7 +50,7 @@ Result DevelopJob::DeriveGeometries() {
   geometry_ = DeriveGeometry(props_.sensor);
   reduced_ = ReduceGeometry(geometry_);
   if (!IsSupported(geometry_)) return DEIMG_UNSUPPORTED;
-  return !isReduced() || IsSupportedReduced(reduced_) ? DEIMG_OK : DEIMG_UNSUPPORTED;
+  return !kind_.reduced || IsSupportedReduced(reduced_) ? DEIMG_OK : DEIMG_UNSUPPORTED;
 }
 
 Result DevelopJob::MakePlane() {
@@ -62,8 +64,9 @@ Result DevelopJob::MakePlane() {
 }
 
 Result DevelopJob::FillPlane() {
-  DEIMG_RETURN_IF_FAILED(SensorPlaneDecoder(input_, geometry_, props_, plane()));
-  return BlackLevelSubtraction(geometry_, plane(), props_.blackLevelWords);
+  DEIMG_RETURN_IF_FAILED(
+      SensorPlaneDecoder(level_.planeLines(), input_, geometry_, props_, plane()));
+  return BlackLevelSubtraction(level_.planeLines(), geometry_, plane(), props_.blackLevelWords);
 }
 
 Result DevelopJob::BalanceFromPoint() {
@@ -75,36 +78,25 @@ Result DevelopJob::BalanceFromPoint() {
   return PointWhiteBalance(plane(), geometry_, params_);
 }
 
-Result DevelopJob::DevelopFull() {
-  if (flags_ == DEIMG_JOB_QUICK) ForceQuickSettings();
-  return GraphBuilder(plane(), params_, props_, format_, output_);
-}
-
 Result DevelopJob::ReducePlane() {
-  ForceQuickSettings();
   previewPlanes_ = MemoryStream::Make(4 * PlaneBytes(reduced_));
   if (!previewPlanes_) return DEIMG_OUT_OF_MEMORY;
-  return PreviewReduction(plane(), geometry_, reduced_,
+  return PreviewReduction(level_.planeLines(), plane(), geometry_, reduced_,
                           reinterpret_cast<std::uint16_t*>(previewPlanes_.memory()));
 }
 
 Result DevelopJob::DevelopReduced(CallerStream& output) {
-  ImageProps props = props_;
-  StoreGeometry(reduced_, props.sensor);
-  return GraphBuilder(*previewPlanes_.get(), params_, props, DEIMG_FORMAT_8BIT, output);
+  return GraphBuilder(level_, *previewPlanes_.get(), reduced_, params_, props_, 1, output);
 }
 
 Result DevelopJob::DevelopThumbnail() {
-  const int width = reduced_.outWidth;
-  const int height = reduced_.outHeight;
   previewPicture_ = MemoryStream::Make(3ull * reduced_.outWidth * reduced_.outHeight);
   if (!previewPicture_) return DEIMG_OUT_OF_MEMORY;
   DEIMG_RETURN_IF_FAILED(Report(7));
   DEIMG_RETURN_IF_FAILED(DevelopReduced(*previewPicture_.get()));
   DEIMG_RETURN_IF_FAILED(Report(50));
-  thumbnail_ = BlockOf<std::uint8_t>::Zeroed(kThumbnailBytes);
-  if (!thumbnail_) return DEIMG_OUT_OF_MEMORY;
-  ResampleThumbnail(previewPicture_.memory(), width, height, thumbnail_.get());
+  if (!thumbnail_.Allocate()) return DEIMG_OUT_OF_MEMORY;
+  thumbnail_.Resample(previewPicture_.memory(), reduced_.outWidth, reduced_.outHeight);
   previewPicture_ = MemoryStream();
   DEIMG_RETURN_IF_FAILED(Report(70));
   return DeliverThumbnail();
@@ -115,18 +107,11 @@ Result DevelopJob::DeliverThumbnail() {
     return DEIMG_MISSING;
   }
   DEIMG_RETURN_IF_FAILED(Open(output_, DEIMG_OPEN_TRUNCATE));
-  for (int row = 0; row < kThumbnailHeight; ++row) {
-    DEIMG_RETURN_IF_FAILED(
-        Write(output_, thumbnail_.get() + row * kThumbnailRowBytes, kThumbnailRowBytes));
+  for (int y = 0; y < DEIMG_THUMBNAIL_HEIGHT; ++y) {
+    DEIMG_RETURN_IF_FAILED(Write(output_, thumbnail_.row(y), ThumbnailBuffer::kRowBytes));
   }
   if (output_.progressMode != DEIMG_PROGRESS_NEVER) DEIMG_RETURN_IF_FAILED(Progress(output_, 100));
   return Close(output_);
-}
-
-void DevelopJob::ForceQuickSettings() {
-  params_.chromaMedian = -1;
-  params_.processingSet = 3;
-  params_.matrixSelect = 0;
 }
 
 Result DevelopJob::Report(int percent) {

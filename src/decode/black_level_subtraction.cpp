@@ -1,15 +1,14 @@
 #include "decode/black_level_subtraction.h"
 
-#include "graph/kernels.h"
-#include "props/byte_order.h"
+#include "base/byte_order.h"
 #include "storage/mem_block.h"
 #include "storage/stream_calls.h"
 
 namespace deimg {
-Result BlackLevelSubtraction(const ImageGeometry& geometry, CallerStream& plane,
-                             const std::uint16_t (&blackLevelWords)[4]) {
+
+Result BlackLevelSubtraction(const PlaneLines& lines, const ImageGeometry& geometry,
+                             CallerStream& plane, const std::uint16_t (&blackLevelWords)[4]) {
   DEIMG_RETURN_IF_FAILED(Open(plane, DEIMG_OPEN_UPDATE));
-  const Kernels& kernels = ChosenKernels();
   const std::uint32_t lineBytes = 2u * geometry.sensorWidth;
   const auto line = BlockOf<std::uint16_t>::Zeroed(geometry.sensorWidth);
   if (!line) return DEIMG_OUT_OF_MEMORY;
@@ -19,8 +18,8 @@ Result BlackLevelSubtraction(const ImageGeometry& geometry, CallerStream& plane,
     DEIMG_RETURN_IF_FAILED(Read(plane, line.get(), lineBytes, delivered));
     ToLittleEndian(line.get(), geometry.sensorWidth);  // and back, which is the same
     const std::size_t odd = y % 2 != 0 ? 2 : 0;
-    kernels.subtractLevelsLine(blackLevelWords[odd + 1], blackLevelWords[odd], geometry.sensorWidth,
-                               line.get());
+    lines.subtractLevels(blackLevelWords[odd + 1], blackLevelWords[odd], geometry.sensorWidth,
+                         line.get());
     ToLittleEndian(line.get(), geometry.sensorWidth);
     (void)SeekTo(plane, lineBytes * y);
     DEIMG_RETURN_IF_FAILED(Write(plane, line.get(), lineBytes));

@@ -4,8 +4,9 @@
 
 #include <cstdint>
 
-#include "api/result.h"
-#include "decode/image_geometry.h"
+#include "base/result.h"
+#include "decode/plane_lines.h"
+#include "props/image_geometry.h"
 
 namespace deimg {
 
@@ -14,7 +15,8 @@ namespace deimg {
 /// odd), (odd, even). Opens the stream with mode 2 and closes it; after a failure it stays open.
 ///
 /// @return 0, DEIMG_OUT_OF_MEMORY or an error word of the stream.
-[[nodiscard]] Result BlackLevelSubtraction(const ImageGeometry& geometry, CallerStream& plane,
+[[nodiscard]] Result BlackLevelSubtraction(const PlaneLines& lines, const ImageGeometry& geometry,
+                                           CallerStream& plane,
                                            const std::uint16_t (&blackLevelWords)[4]);
 
 }  // namespace deimg

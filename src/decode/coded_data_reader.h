@@ -5,7 +5,7 @@
 #include <array>
 #include <cstdint>
 
-#include "api/result.h"
+#include "base/result.h"
 #include "decode/code_sets.h"
 #include "decode/code_tree.h"
 #include "decode/difference_table.h"

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "props/byte_order.h"
+#include "base/byte_order.h"
 #include "storage/mem_block.h"
 #include "storage/stream_calls.h"
 

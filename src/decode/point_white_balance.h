@@ -5,8 +5,8 @@
 #include <array>
 #include <cstdint>
 
-#include "api/result.h"
-#include "decode/image_geometry.h"
+#include "base/result.h"
+#include "props/image_geometry.h"
 
 namespace deimg {
 

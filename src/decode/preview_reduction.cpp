@@ -3,8 +3,7 @@
 #include <algorithm>
 #include <array>
 
-#include "graph/kernels.h"
-#include "props/byte_order.h"
+#include "base/byte_order.h"
 #include "storage/file_stream.h"
 #include "storage/mem_block.h"
 #include "storage/stream_calls.h"
@@ -25,7 +24,7 @@ struct Phase {
 constexpr std::array<Phase, 4> kPhases = {{{0, 1}, {0, 0}, {1, 1}, {1, 0}}};
 
 /// Weights of the grid lines at the positions 0, 0.75, 1.5 and 2.25, in quarters.
-constexpr Sample kWeights[4][4] = {{4, 0, 0, 0}, {1, 3, 0, 0}, {0, 2, 2, 0}, {0, 0, 3, 1}};
+constexpr std::int32_t kWeights[4][4] = {{4, 0, 0, 0}, {1, 3, 0, 0}, {0, 2, 2, 0}, {0, 0, 3, 1}};
 
 /// What the four positions share.
 struct Sizes {
@@ -49,13 +48,13 @@ struct Sizes {
 /// The reduction of one mosaic position.
 class PositionPass {
  public:
-  explicit PositionPass(const Kernels& kernels) : kernels_(kernels) {}
+  explicit PositionPass(const PlaneLines& lines) : lines_(lines) {}
 
   [[nodiscard]] Result Begin(const Sizes& sizes, Phase phase) {
     phase_ = phase;
     // The four lines of a group, a line of zeros for what lies before the plane, and one to split.
     grid_ = BlockOf<std::uint16_t>::Zeroed(6ull * sizes.gridSamples());
-    sums_ = BlockOf<Sample>::Zeroed(4ull * sizes.gridSamples());
+    sums_ = BlockOf<std::int32_t>::Zeroed(4ull * sizes.gridSamples());
     rows_ = BlockOf<std::uint16_t>::Uninitialised(2ull * kGroupsAtOnce * sizes.rowSamples);
     if (!grid_ || !sums_ || !rows_) return DEIMG_OUT_OF_MEMORY;
     const bool made = FileStream::MakeTemporary(file_) == DEIMG_OK &&
@@ -106,8 +105,8 @@ class PositionPass {
       const std::uint32_t outputs = std::min(kOutputsAtOnce, sizes.groups - 1 - n);
       DEIMG_RETURN_IF_FAILED(ReadRows(sizes, 2 * n - 1, 2 * outputs + 2, block.get()));
       for (std::uint32_t i = 0; i < outputs; ++i) {
-        kernels_.halveRow(row(2 * i), row(2 * i + 1), row(2 * i + 2), row(2 * i + 3),
-                          static_cast<int>(count), plane + std::size_t{n + i} * stride);
+        lines_.halveRow(row(2 * i), row(2 * i + 1), row(2 * i + 2), row(2 * i + 3),
+                        static_cast<int>(count), plane + std::size_t{n + i} * stride);
       }
     }
     return DEIMG_OK;
@@ -122,9 +121,8 @@ class PositionPass {
     const std::array<std::uint16_t*, 3> thirds = {samples, samples + sizes.thirdSamples(),
                                                   samples + 2ull * sizes.thirdSamples()};
     const std::uint32_t whole = sizes.cells - 1;  // cells whose samples are all there
-    kernels_.splitPositionLine(line + phase_.column, static_cast<int>(whole),
-                               grid_.get() + 5ull * sizes.gridSamples(), thirds[0], thirds[1],
-                               thirds[2]);
+    lines_.splitPosition(line + phase_.column, static_cast<int>(whole),
+                         grid_.get() + 5ull * sizes.gridSamples(), thirds[0], thirds[1], thirds[2]);
     const std::uint32_t there = (sizes.width - phase_.column + 1) / 2;
     for (std::uint32_t i = 3 * whole; i <= 3 * sizes.cells; ++i) {
       thirds[i % 3][i / 3] = line[phase_.column + 2 * std::min(i, there - 1)];
@@ -136,14 +134,14 @@ class PositionPass {
                    std::uint16_t* rows) const {
     std::array<ShrinkLines, 4> sums;
     for (std::size_t i = 0; i < 4; ++i) {
-      Sample* const line = sums_.get() + i * sizes.gridSamples();
-      kernels_.weightGridLine(grid[0], grid[1], grid[2], grid[3], kWeights[i],
-                              static_cast<int>(sizes.gridSamples()), line);
+      std::int32_t* const line = sums_.get() + i * sizes.gridSamples();
+      lines_.weightGrid(grid[0], grid[1], grid[2], grid[3], kWeights[i],
+                        static_cast<int>(sizes.gridSamples()), line);
       sums[i] = {{line, line + sizes.thirdSamples(), line + 2ull * sizes.thirdSamples()}};
     }
     const int cells = static_cast<int>(sizes.cells);
-    kernels_.shrinkRow(sums[0], sums[1], cells, rows);
-    kernels_.shrinkRow(sums[2], sums[3], cells, rows + sizes.rowSamples);
+    lines_.shrinkRow(sums[0], sums[1], cells, rows);
+    lines_.shrinkRow(sums[2], sums[3], cells, rows + sizes.rowSamples);
   }
 
   [[nodiscard]] Result ReadRows(const Sizes& sizes, std::uint32_t first, std::uint32_t count,
@@ -156,11 +154,11 @@ class PositionPass {
     return read ? DEIMG_OK : DEIMG_NO_WORK_FILE;
   }
 
-  const Kernels& kernels_;
+  const PlaneLines& lines_;
   Phase phase_{};
   bool started_ = false;
   BlockOf<std::uint16_t> grid_;
-  BlockOf<Sample> sums_;
+  BlockOf<std::int32_t> sums_;
   BlockOf<std::uint16_t> rows_;
   FileStream file_;
 };
@@ -197,7 +195,7 @@ Result ShrinkPlane(CallerStream& plane, const Sizes& sizes, std::uint32_t height
 }
 
 /// Puts the average of every 2 x 2 samples of each position where the position lies in the cell.
-void Fold(const ImageGeometry& reduced, std::uint16_t* planes) {
+void Fold(const ReducedGeometry& reduced, std::uint16_t* planes) {
   const std::size_t width = reduced.sensorWidth;
   const std::size_t planeSamples = width * reduced.sensorHeight;
   for (std::size_t y = 0; y < reduced.sensorHeight; y += 2) {
@@ -219,12 +217,11 @@ void Fold(const ImageGeometry& reduced, std::uint16_t* planes) {
 
 }  // namespace
 
-Result PreviewReduction(CallerStream& plane, const ImageGeometry& geometry,
-                        const ImageGeometry& reduced, std::uint16_t* planes) {
+Result PreviewReduction(const PlaneLines& lines, CallerStream& plane, const ImageGeometry& geometry,
+                        const ReducedGeometry& reduced, std::uint16_t* planes) {
   const Sizes sizes(geometry);
-  const Kernels& kernels = ChosenKernels();
-  std::array<PositionPass, 4> passes = {PositionPass(kernels), PositionPass(kernels),
-                                        PositionPass(kernels), PositionPass(kernels)};
+  std::array<PositionPass, 4> passes = {PositionPass(lines), PositionPass(lines),
+                                        PositionPass(lines), PositionPass(lines)};
   for (std::size_t p = 0; p < passes.size(); ++p) {
     DEIMG_RETURN_IF_FAILED(passes[p].Begin(sizes, kPhases[p]));
   }

@@ -4,8 +4,9 @@
 
 #include <cstdint>
 
-#include "api/result.h"
-#include "decode/image_geometry.h"
+#include "base/result.h"
+#include "decode/plane_lines.h"
+#include "props/image_geometry.h"
 
 namespace deimg {
 
@@ -20,8 +21,9 @@ namespace deimg {
 ///                mosaic in the sensor plane's byte order.
 /// @return DEIMG_OUT_OF_MEMORY, DEIMG_NO_WORK_FILE or an error word of a stream. No temporary file
 ///         is left behind.
-[[nodiscard]] Result PreviewReduction(CallerStream& plane, const ImageGeometry& geometry,
-                                      const ImageGeometry& reduced, std::uint16_t* planes);
+[[nodiscard]] Result PreviewReduction(const PlaneLines& lines, CallerStream& plane,
+                                      const ImageGeometry& geometry, const ReducedGeometry& reduced,
+                                      std::uint16_t* planes);
 
 }  // namespace deimg
 

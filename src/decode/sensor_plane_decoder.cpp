@@ -3,9 +3,8 @@
 #include <algorithm>
 #include <optional>
 
+#include "base/byte_order.h"
 #include "decode/coded_data_reader.h"
-#include "graph/kernels.h"
-#include "props/byte_order.h"
 #include "storage/mem_block.h"
 #include "storage/stream_calls.h"
 
@@ -76,9 +75,9 @@ Result WriteSamples(CallerStream& plane, std::uint16_t* samples, std::uint32_t c
   return Write(plane, samples, 2 * count);
 }
 
-Result DecodePlane(CodedDataReader& reader, const std::uint8_t* lowBits, std::uint32_t width,
-                   std::uint32_t samples, std::uint16_t* chunk, CallerStream& plane) {
-  const Kernels& kernels = ChosenKernels();
+Result DecodePlane(const PlaneLines& lines, CodedDataReader& reader, const std::uint8_t* lowBits,
+                   std::uint32_t width, std::uint32_t samples, std::uint16_t* chunk,
+                   CallerStream& plane) {
   Predictor predictor(width);
   std::uint32_t chunkCount = 0;
   for (std::uint32_t block = 0; block < samples / kBlockSamples; ++block) {
@@ -87,12 +86,12 @@ Result DecodePlane(CodedDataReader& reader, const std::uint8_t* lowBits, std::ui
     predictor.Reconstruct(differences, chunk + chunkCount);
     chunkCount += kBlockSamples;
     if (chunkCount < kChunkSamples) continue;
-    kernels.mergeLowBitsLine(lowBits, kChunkSamples, chunk);
+    lines.mergeLowBits(lowBits, kChunkSamples, chunk);
     lowBits += chunkCount / 4;
     DEIMG_RETURN_IF_FAILED(WriteSamples(plane, chunk, chunkCount));
     chunkCount = 0;
   }
-  kernels.mergeLowBitsLine(lowBits, static_cast<int>(chunkCount), chunk);
+  lines.mergeLowBits(lowBits, static_cast<int>(chunkCount), chunk);
   const std::uint32_t undecoded = samples % kBlockSamples;
   std::fill_n(chunk + chunkCount, undecoded, std::uint16_t{0});
   chunkCount += undecoded;
@@ -101,8 +100,9 @@ Result DecodePlane(CodedDataReader& reader, const std::uint8_t* lowBits, std::ui
 
 }  // namespace
 
-Result SensorPlaneDecoder(CallerStream& input, const ImageGeometry& geometry,
-                          const ImageProps& props, CallerStream& plane) {
+Result SensorPlaneDecoder(const PlaneLines& lines, CallerStream& input,
+                          const ImageGeometry& geometry, const ImageProps& props,
+                          CallerStream& plane) {
   if (input.Open == nullptr || input.Read == nullptr || input.Seek == nullptr ||
       input.Close == nullptr) {
     return DEIMG_MISSING;
@@ -135,7 +135,8 @@ Result SensorPlaneDecoder(CallerStream& input, const ImageGeometry& geometry,
       reader.Begin(std::uint64_t{props.dataSkip1()} + std::uint64_t{props.dataSkip2()}));
   const auto chunk = BlockOf<std::uint16_t>::Zeroed(kChunkSamples);
   if (!chunk) return DEIMG_OUT_OF_MEMORY;
-  return DecodePlane(reader, lowBits.get(), geometry.sensorWidth, samples, chunk.get(), plane);
+  return DecodePlane(lines, reader, lowBits.get(), geometry.sensorWidth, samples, chunk.get(),
+                     plane);
 }
 
 }  // namespace deimg

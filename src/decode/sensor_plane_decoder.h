@@ -2,8 +2,9 @@
 #ifndef DEIMG_DECODE_SENSOR_PLANE_DECODER_H
 #define DEIMG_DECODE_SENSOR_PLANE_DECODER_H
 
-#include "api/result.h"
-#include "decode/image_geometry.h"
+#include "base/result.h"
+#include "decode/plane_lines.h"
+#include "props/image_geometry.h"
 #include "props/image_props.h"
 
 namespace deimg {
@@ -18,8 +19,9 @@ namespace deimg {
 ///
 /// @return 2 when the data do not fit the code or end too early, 3 out of memory, 32 when the plane
 ///         cannot be opened, 98 when a stream lacks an operation, or an error word of a stream.
-[[nodiscard]] Result SensorPlaneDecoder(CallerStream& input, const ImageGeometry& geometry,
-                                        const ImageProps& props, CallerStream& plane);
+[[nodiscard]] Result SensorPlaneDecoder(const PlaneLines& lines, CallerStream& input,
+                                        const ImageGeometry& geometry, const ImageProps& props,
+                                        CallerStream& plane);
 
 }  // namespace deimg
 

@@ -4,21 +4,16 @@
 
 namespace deimg {
 
-ComponentX::ComponentX(const ComponentInfo& info, int width, int height, int sampleBytes,
-                       int scratchLines)
-    : info_(info),
-      width_(width),
-      height_(height),
-      sampleBytes_(sampleBytes),
-      scratchLines_(scratchLines) {
+ComponentX::ComponentX(const ComponentInfo& info, PlaneSize size, int sampleBytes)
+    : info_(info), size_(size), sampleBytes_(sampleBytes) {
   for (int i = 0; i < info.portCount; ++i) {
-    ports_[static_cast<std::size_t>(i)].emplace(i, width, sampleBytes);
+    ports_[static_cast<std::size_t>(i)].emplace(i, size.width, sampleBytes);
   }
 }
 
 ComponentX::~ComponentX() = default;
 
-int ComponentX::reach() const { return std::max(info_.kernelLines - 1, 0); }
+int ComponentX::border() const { return std::max(info_.windowLines - 1, 0); }
 
 const ComponentPort* ComponentX::port(int index) const {
   if (index < 0 || index >= kMostPorts) return nullptr;
@@ -37,28 +32,10 @@ Result ComponentX::Connect(ComponentX& input) {
   return DEIMG_OK;
 }
 
-ComponentX* ComponentX::FirstInput(TypeId typeId) const {
-  for (ComponentX* candidate : inputs_) {
-    if (candidate != nullptr && candidate->typeId() == typeId) return candidate;
-  }
-  return nullptr;
-}
-
-ComponentX* ComponentX::LastInput(TypeId typeId, int slots) const {
-  for (int slot = slots - 1; slot >= 0; --slot) {
-    if (input(slot) != nullptr && input(slot)->typeId() == typeId) return input(slot);
-  }
-  return nullptr;
-}
-
 Result ComponentX::AllocateBuffers() {
   if (buffersReady_) return DEIMG_OK;
   for (auto& slot : ports_) {
-    if (slot) DEIMG_RETURN_IF_FAILED(slot->Allocate(context_ + 1));
-  }
-  if (scratchLines_ > 0) {
-    scratch_.emplace(0, width_, sampleBytes_);
-    DEIMG_RETURN_IF_FAILED(scratch_->Allocate(scratchLines_ | 1));
+    if (slot) DEIMG_RETURN_IF_FAILED(slot->Allocate(margin_ + 1));
   }
   buffersReady_ = true;
   return DEIMG_OK;
@@ -82,10 +59,8 @@ Result ComponentX::ResetRings() {
 
 void ComponentX::ComputeContext(int need) {
   contextReady_ = true;
-  context_ = std::max(context_, need);
-  for (ComponentX* source : inputs_) {
-    if (source != nullptr) source->ComputeContext(context_ + reach());
-  }
+  margin_ = std::max(margin_, need);
+  for (ComponentX* source : inputs()) source->ComputeContext(margin_ + border());
 }
 
 Result ComponentX::Start(int line) {
@@ -93,31 +68,19 @@ Result ComponentX::Start(int line) {
   // The last component's call reaches the whole graph before any ring is allocated.
   if (!contextReady_) ComputeContext(0);
   DEIMG_RETURN_IF_FAILED(AllocateBuffers());
-  for (ComponentX* source : inputs_) {
-    if (source != nullptr) DEIMG_RETURN_IF_FAILED(source->Start(line));
-  }
+  for (ComponentX* source : inputs()) DEIMG_RETURN_IF_FAILED(source->Start(line));
   DEIMG_RETURN_IF_FAILED(ResetRings());
+  DEIMG_RETURN_IF_FAILED(Prepare());
   currentLine_ = line;
-  DEIMG_RETURN_IF_FAILED(Run(runFirst(), runLast()));
-  currentLine_ = line;
-  return DEIMG_OK;
+  return Run(runFirst(), runLast());
 }
 
 Result ComponentX::Advance(int line) {
   if (line == currentLine_) return DEIMG_OK;
   if (currentLine_ == kNotStarted) return DEIMG_NOT_STARTED;
-  for (int slot = 0; slot < inputCount_; ++slot) {
-    DEIMG_RETURN_IF_FAILED(input(slot)->Advance(line));
-  }
+  for (ComponentX* source : inputs()) DEIMG_RETURN_IF_FAILED(source->Advance(line));
   DEIMG_RETURN_IF_FAILED(Rotate());
   return Run(runLast(), runLast());
-}
-
-void ComponentX::CopyLines(const ComponentPort& source, ComponentPort& destination, int first,
-                           int last) {
-  for (int o = first; o <= last; ++o) {
-    std::copy_n(source.Line<Sample>(o), source.width(), destination.Line<Sample>(o));
-  }
 }
 
 }  // namespace deimg

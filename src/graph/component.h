@@ -3,35 +3,52 @@
 #define DEIMG_GRAPH_COMPONENT_H
 
 #include <array>
+#include <cstdint>
 #include <optional>
+#include <span>
 
-#include "api/result.h"
+#include "base/result.h"
 #include "graph/component_port.h"
-#include "graph/component_table.h"
-#include "graph/kernels.h"
-#include "graph/line.h"
+#include "line/line.h"
 
 namespace deimg {
+
+/// Type numbers of components; which ones there are is no business of the engine.
+enum class TypeId : std::int32_t;
+
+/// What is fixed about a component.
+struct ComponentInfo {
+  TypeId typeId;
+  const char* name;  // Shift-JIS
+  int windowLines;   // input lines that one output line needs, the middle one being its own
+  int portCount;
+};
+
+/// Samples per line and lines of a plane.
+struct PlaneSize {
+  int width;
+  int height;
+};
 
 /// A component reads up to ten others and delivers its lines on up to eight ports.
 ///
 /// The graph is pulled from its last component. Start() brings a component and everything it reads
-/// to a first line, Advance() on by one line; each line of each component is computed once. A port
-/// keeps as many lines around the current one as the component's consumers need.
+/// to a first line, Advance() on by one line; each line of each component is computed once.
+///
+/// A component's border is how many lines beyond its own its window reaches on both sides together;
+/// its margin how many lines beyond the current one its consumers need: the largest sum of borders
+/// on any path to the last component. A port keeps margin + 1 lines, the current one in the middle.
 ///
 /// The contract of Run(first, last): compute the output lines at the offsets first to last from the
-/// current line, reading input lines up to reach / 2 away, and write each into every own port.
-/// Rings, contexts and rotation are this class's business alone.
+/// current line, reading input lines up to border / 2 away, and write each into every own port.
+/// Rings, margins and rotation are this class's business alone.
 class ComponentX {
  public:
   static constexpr int kMostPorts = 8;
   static constexpr int kMostInputs = 10;
   static constexpr int kNotStarted = -1;
 
-  /// `width` is the samples per line of every port. `scratchLines` further lines of that width are
-  /// allocated with the rings, for a stage's intermediate results.
-  ComponentX(const ComponentInfo& info, int width, int height, int sampleBytes,
-             int scratchLines = 0);
+  ComponentX(const ComponentInfo& info, PlaneSize size, int sampleBytes);
   ComponentX(const ComponentX&) = delete;
   ComponentX& operator=(const ComponentX&) = delete;
   virtual ~ComponentX();
@@ -56,10 +73,15 @@ class ComponentX {
   /// Moves every port on by one line; 98 when one has no ring.
   [[nodiscard]] virtual Result Rotate();
 
+  /// Checks settings and tuning and builds tables, once, before the first line is computed and
+  /// after all inputs computed theirs.
+  [[nodiscard]] virtual Result Prepare() { return DEIMG_OK; }
+
   /// Appends an input; 7 when all slots are taken.
   [[nodiscard]] Result Connect(ComponentX& input);
 
-  /// Takes over the need of a consumer if it is the largest so far, and hands on its own.
+  /// Takes over the need of a consumer as its margin if it is the largest so far, and hands on its
+  /// own.
   void ComputeContext(int need);
 
   /// Brings inputs and then this component to `line`.
@@ -68,73 +90,43 @@ class ComponentX {
   /// Allocates the rings if needed and centres every port.
   [[nodiscard]] Result ResetRings();
 
-  /// Copies lines from one port to another of the same width.
-  static void CopyLines(const ComponentPort& source, ComponentPort& destination, int first,
-                        int last);
-
   TypeId typeId() const { return info_.typeId; }
   const char* name() const { return info_.name; }
-  int kernelLines() const { return info_.kernelLines; }
+  int windowLines() const { return info_.windowLines; }
   int portCount() const { return info_.portCount; }
   int sampleBytes() const { return sampleBytes_; }
-  int width() const { return width_; }
-  int height() const { return height_; }
-  int reach() const;
-  int context() const { return context_; }
-  int runFirst() const { return -(context_ / 2); }
-  int runLast() const { return context_ / 2; }
+  int width() const { return size_.width; }
+  int height() const { return size_.height; }
+  int border() const;
+  int margin() const { return margin_; }
+  int runFirst() const { return -(margin_ / 2); }
+  int runLast() const { return margin_ / 2; }
   int currentLine() const { return currentLine_; }
 
   /// The port in a slot, or null.
   const ComponentPort* port(int index) const;
+  /// The inputs in the order of their connection.
+  std::span<ComponentX* const> inputs() const {
+    return {inputs_.data(), static_cast<std::size_t>(inputCount_)};
+  }
 
  protected:
   /// Where GetLine() finds a line: in the port's ring, unless a component keeps its lines
   /// elsewhere.
   [[nodiscard]] virtual const void* LineAt(int offset, int portIndex) const;
 
-  /// The input in a slot; null when empty.
-  ComponentX* input(int slot) const { return inputs_[static_cast<std::size_t>(slot)]; }
-  /// The first, or the last, input of a type among the first `slots`; null when there is none.
-  ComponentX* FirstInput(TypeId typeId) const;
-  ComponentX* LastInput(TypeId typeId, int slots = kMostInputs) const;
-
-  /// The input's lines on its port 0 around an offset.
-  template <typename T>
-  static SevenLines<T> LinesAround(const ComponentX& source, int offset) {
-    SevenLines<T> lines;
-    for (int i = 0; i < 7; ++i) lines.line[i] = source.GetLine<T>(offset + i - 3, 0);
-    return lines;
-  }
-
-  /// An own line, to be written.
-  template <typename T = Sample>
-  T* OwnLine(int offset, int portIndex) const {
-    return ports_[static_cast<std::size_t>(portIndex)]->Line<T>(offset);
-  }
-  /// A scratch line; its contents last until the next line is computed.
-  template <typename T = Sample>
-  T* Scratch(int index) const {
-    return scratch_->Line<T>(index - scratchLines_ / 2);
-  }
-  /// Whether the line at an offset is odd.
-  bool IsOddAt(int offset) const { return IsOddLine(currentLine_ + offset); }
-
   int currentLine_ = kNotStarted;
 
  private:
   const ComponentInfo& info_;
-  const int width_;
-  const int height_;
+  const PlaneSize size_;
   const int sampleBytes_;
-  const int scratchLines_;
   bool buffersReady_ = false;
   bool contextReady_ = false;
-  int context_ = 0;
+  int margin_ = 0;
   int inputCount_ = 0;
   std::array<ComponentX*, kMostInputs> inputs_{};
   std::array<std::optional<ComponentPort>, kMostPorts> ports_;
-  std::optional<ComponentPort> scratch_;
 };
 
 }  // namespace deimg

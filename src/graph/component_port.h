@@ -2,8 +2,8 @@
 #ifndef DEIMG_GRAPH_COMPONENT_PORT_H
 #define DEIMG_GRAPH_COMPONENT_PORT_H
 
-#include "api/result.h"
-#include "graph/line.h"
+#include "base/result.h"
+#include "line/line.h"
 #include "storage/mem_block.h"
 
 namespace deimg {

@@ -2,7 +2,7 @@
 
 #include <iterator>
 
-#include "props/byte_order.h"
+#include "base/byte_order.h"
 #include "props/diagnostics.h"
 #include "props/props_heap.h"
 #include "storage/stream_calls.h"

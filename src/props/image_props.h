@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <type_traits>
 
-#include "api/result.h"
+#include "base/result.h"
 #include "props/tuning_block.h"
 #include "storage/mem_block.h"
 

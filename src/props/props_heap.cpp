@@ -4,8 +4,8 @@
 #include <cstring>
 #include <utility>
 
+#include "base/byte_order.h"
 #include "platform/platform.h"
-#include "props/byte_order.h"
 #include "props/diagnostics.h"
 
 namespace deimg {

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "api/result.h"
+#include "base/result.h"
 
 namespace deimg {
 

@@ -4,24 +4,40 @@
 
 #include <cstddef>
 
-#include "api/result.h"
 #include "platform/platform.h"
-#include "storage/mem_block.h"
+#include "storage/work_stream.h"
 
 namespace deimg {
 
-/// Owner of a file-backed stream. Releasing it closes the file and deletes it.
-///
-/// Error words of its operations: 35 no file open, 37 seek, 38 tell, 39 read, 40 write.
-class FileStream {
- public:
+/// Error words of the operations: 35 no file open, 37 seek, 38 tell, 39 read, 40 write.
+struct FileStreamState {
   static constexpr std::size_t kPathSize = 256;  // with the terminating NUL
 
+  char path[kPathSize];
+  platform::FileHandle handle;
+  bool mustExist;  // a temporary file is created once, exclusively, and never again
+
+  /// The seek to the beginning decides the result: it opens the existing file by itself when the
+  /// open proper failed.
+  Result Open(std::uint16_t mode);
+  Result Close();
+  /// Both open a file that is not open: an existing one to read, an emptied one to write.
+  Result Read(void* buffer, std::uint32_t& count);
+  Result Write(const void* buffer, std::uint32_t& count);
+  Result Seek(std::uint16_t origin, std::int32_t offset);
+  Result Tell(std::uint32_t& position) const;
+
+ private:
+  bool isOpen() const { return handle != platform::kInvalidFile; }
+  platform::FileMode ModeOf(std::uint16_t mode) const;
+};
+
+/// Owner of a file-backed stream. Releasing it closes the file and deletes it.
+class FileStream : public WorkStream<FileStreamState> {
+ public:
   FileStream() = default;
   FileStream(FileStream&&) = default;
   FileStream& operator=(FileStream&&) = default;
-  FileStream(const FileStream&) = delete;
-  FileStream& operator=(const FileStream&) = delete;
   ~FileStream() { Release(); }
 
   /// A stream on `path` with no file open yet; empty when memory is short or the path too long.
@@ -34,23 +50,10 @@ class FileStream {
   ///         DEIMG_FILE_NOT_OPEN when the file cannot be created.
   [[nodiscard]] static Result MakeTemporary(FileStream& made);
 
-  explicit operator bool() const { return static_cast<bool>(stream_); }
-  CallerStream* get() const { return stream_.get(); }
   const char* path() const { return state_->path; }
 
   /// Closes and deletes the file and gives everything back. Nothing happens on an empty stream.
   void Release();
-
- private:
-  struct State {
-    char path[kPathSize];
-    platform::FileHandle handle;
-    bool mustExist;  // a temporary file is created once, exclusively, and never again
-  };
-  struct Operations;
-
-  BlockOf<State> state_;
-  BlockOf<CallerStream> stream_;
 };
 
 /// Fills `buffer` with the path of a file in the temporary directory that does not exist yet, named

@@ -7,7 +7,7 @@
 #include <type_traits>
 #include <utility>
 
-#include "api/result.h"
+#include "base/result.h"
 
 namespace deimg {
 

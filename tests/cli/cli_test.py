@@ -404,7 +404,7 @@ class Documents(Case):
         self.assertRegex(version, rb"\Adeimg \d+\.\d+\.\d+\n\Z")
         self.assertEqual(self.run_deimg("version").stdout, version)
         codes = self.run_deimg("help", "codes").stdout.decode()
-        header = (SOURCE / "src/api/deimg.h").read_text()
+        header = (SOURCE / "include/deimg/deimg.h").read_text()
         for code in re.findall(r"DEIMG_\w+ = (\w+),.*?\n", header.split("enum DEImgResult {")[1].split("};")[0]):
             self.assertRegex(codes, rf"(?m)^  {code} ")
         self.assertEqual(self.run_deimg("help", "check").stdout, self.run_deimg("check", "--help").stdout)

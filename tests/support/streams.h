@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "api/deimg.h"
+#include <deimg/deimg.h>
 
 namespace deimg::testing {
 

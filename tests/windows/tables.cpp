@@ -1,14 +1,14 @@
 // Prints a digest of every look-up table and curve, for comparison between machines: all exposure
 // adjustments, and the curves over their ranges of parameters.
+#include <bit>
 #include <cstdint>
 #include <cstdio>
-#include <numeric>
-#include <vector>
+#include <random>
 
-#include "stages/colour/chroma_suppress.h"
-#include "stages/colour/color_system_proc.h"
-#include "stages/colour/white_balance.h"
-#include "stages/luma/apc_curve.h"
+#include "pipeline/levels.h"
+#include "stages/colour/chroma_gain_curve.h"
+#include "stages/colour/suppression_curve.h"
+#include "storage/memory_stream.h"
 #if defined(_WIN32) && defined(__i386__)
 #include <float.h>
 #endif
@@ -34,17 +34,6 @@ class Digest {
   std::uint64_t hash_ = 0xCBF29CE484222325ull;
 };
 
-// The same numbers everywhere.
-std::uint32_t state = 1;
-int Random(int below) {
-  state = state * 1664525u + 1013904223u;
-  return static_cast<int>((state >> 8) % static_cast<std::uint32_t>(below));
-}
-std::int16_t Random16(int lowest, int highest) {
-  return static_cast<std::int16_t>(lowest + Random(highest - lowest + 1));
-}
-std::uint16_t RandomU16(int below) { return static_cast<std::uint16_t>(Random(below)); }
-
 constexpr int kRounds = 2000;
 
 }  // namespace
@@ -52,50 +41,49 @@ constexpr int kRounds = 2000;
 namespace deimg {
 namespace {
 
+/// Every raw sample through every exposure adjustment.
 void PrintExposure() {
-  const std::uint8_t bytes[TuningBlock::kSize] = {};
+  ImageGeometry geometry{};
+  geometry.sensorWidth = 4096;
+  geometry.sensorHeight = 2;
+  const MemoryStream plane = MemoryStream::Make(2 * 2 * 4096);
+  for (int i = 0; i < 2 * 4096; ++i) {
+    plane.memory()[2 * i] = static_cast<std::uint8_t>(i);
+    plane.memory()[2 * i + 1] = static_cast<std::uint8_t>(i % 4096 >> 8);
+  }
   const DevelopmentTables tables;
+  const TuningBlock tuning{};
   for (int adjust = -20; adjust <= 20; ++adjust) {
     DevelopSettings settings;
     settings.exposureAdjust = static_cast<std::int16_t>(adjust);
     Digest digest;
-    for (std::int32_t green = 700; green < 4000; green += 7) {
+    for (std::int32_t green = 700; green < 4000; green += 300) {
       settings.wbGains = {1024, green, green + 1, 1024};
-      const WhiteBalance<Sample> stage(
-          {ChosenKernels(), settings, tables, TuningBlock(bytes), 16, 16});
-      digest.Add(stage.clipLevel());
-      if (adjust != 0) digest.Add(stage.exposureTable(), kExposureTableSize);
+      const GraphOwner graph =
+          ChosenLevel().code.makeWideGraph(*plane.get(), {settings, tables, tuning, geometry}, 1);
+      ComponentX& stage = *graph->Find(TypeId::kWhiteBalance);
+      digest.Add(stage.Start(0));
+      digest.Add(stage.GetLine(0, 0), stage.width());
     }
     digest.Print("exposure", adjust);
   }
 }
 
 void PrintCurves() {
-  Digest apc, suppression, gain;
+  Digest suppression, gain;
+  std::mt19937 random(1);
+  const auto below = [&](unsigned limit) { return static_cast<std::uint16_t>(random() % limit); };
+  Sample table[kSuppressionCurveSize] = {};
   for (int round = 0; round < kRounds; ++round) {
-    ApcCurveParams params{};
-    params[0] = Random16(0, 255);
-    params[1] = Random16(0, 255);
-    for (std::size_t i = 2; i < 5; ++i) params[i] = Random16(0, 11);
-    for (std::size_t i = 5; i < 8; ++i) params[i] = Random16(-300, 300);
-    std::vector<Sample> table(kSuppressionCurveSize);
-    std::iota(table.begin(), table.end(), -512);
-    std::vector<Sample> curve(table.size());
-    ChosenKernels().apcCurveLine(table.data(), MakeApcCurve(params, 1024, 0), 1024, curve.data());
-    apc.Add(curve.data(), 1024);
-
-    suppression.Add(BuildSuppressionCurve(
-        {RandomU16(64), RandomU16(4), RandomU16(12), RandomU16(12), RandomU16(64), RandomU16(128),
-         RandomU16(2), RandomU16(1024), RandomU16(64)},
-        table.data()));
-    suppression.Add(table.data(), kSuppressionCurveSize);
-
-    BuildChromaGainTable({Random16(0, 255), Random16(0, 255), Random16(0, 255), Random16(-64, 64),
-                          Random16(-64, 64), Random16(0, 255), Random16(-64, 64)},
-                         table.data());
-    gain.Add(table.data(), ColorSystemProc::kChromaGainTableSize);
+    suppression.Add(BuildSuppressionCurve({0, below(4), below(12), below(12), below(64), below(128),
+                                           below(2), below(1024), below(64)},
+                                          table));
+    suppression.Add(table, kSuppressionCurveSize);
+    std::array<std::int16_t, 7> f{};
+    for (std::int16_t& v : f) v = static_cast<std::int16_t>(below(320) - 64);
+    BuildChromaGainTable(f, table);
+    gain.Add(table, kChromaGainTableSize);
   }
-  apc.Print("aperture", kRounds);
   suppression.Print("suppression", kRounds);
   gain.Print("chroma-gain", kRounds);
 }

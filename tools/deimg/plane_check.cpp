@@ -3,6 +3,7 @@
 #include "decode/sensor_plane_decoder.h"
 #include "failure.hpp"
 #include "interrupt.hpp"
+#include "pipeline/levels.h"
 
 namespace deimg::cli {
 namespace {
@@ -43,7 +44,8 @@ struct PlaneCheck {
 void RequirePlausibleSamples(host::Input& raw, const RawInfo& info) {
   PlaneCheck check;
   CallerStream plane = check.Stream();
-  const Result code = SensorPlaneDecoder(*raw.stream(), info.geometry, info.props, plane);
+  const Result code = SensorPlaneDecoder(ChosenLevel().planeLines(), *raw.stream(), info.geometry,
+                                         info.props, plane);
   if (code != DEIMG_OK) throw Failure(kDoing, host::CodeText(code), code);
   if (check.impossible == 0) return;
   throw Failure(kDoing,

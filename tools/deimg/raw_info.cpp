@@ -3,7 +3,7 @@
 #include <memory>
 
 #include "failure.hpp"
-#include "graph/develop_settings.h"
+#include "pipeline/settings.h"
 
 namespace deimg::cli {
 namespace {
@@ -34,12 +34,12 @@ RawInfo ReadRawInfo(host::Input& input) {
 }
 
 PictureSize SizeOf(const RawInfo& info, DEImgJob job) {
-  if (job == DEIMG_JOB_THUMBNAIL) return {160, 120};
+  if (job == DEIMG_JOB_THUMBNAIL) return {DEIMG_THUMBNAIL_WIDTH, DEIMG_THUMBNAIL_HEIGHT};
   const ImageGeometry& geometry = job == DEIMG_JOB_PREVIEW ? info.reduced : info.geometry;
   return {geometry.areaWidth, geometry.areaHeight};
 }
 
-std::optional<int> SensitivityClass(const RawInfo& info) {
+std::optional<size_t> SensitivityClass(const RawInfo& info) {
   return IsoClassOf(static_cast<int16_t>(info.props.sensitivity()));
 }
 

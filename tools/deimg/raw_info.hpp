@@ -5,7 +5,7 @@
 #include <deimg/streams.hpp>
 #include <optional>
 
-#include "decode/image_geometry.h"
+#include "props/image_geometry.h"
 #include "props/image_props.h"
 
 namespace deimg::cli {
@@ -31,7 +31,7 @@ struct PictureSize {
 PictureSize SizeOf(const RawInfo& info, DEImgJob job);
 
 /// 0 to 4; none for a sensitivity that this camera does not have.
-std::optional<int> SensitivityClass(const RawInfo& info);
+std::optional<size_t> SensitivityClass(const RawInfo& info);
 
 /// Throws Failure, in words more exact than a result code, when the library would refuse this
 /// geometry or sensitivity.

@@ -43,7 +43,7 @@ std::pair<uint32_t, uint32_t> ParseSize(const std::string& text) {
 }
 
 RawFile MakeNaturalFile(const Options& options) {
-  constexpr std::array<int16_t, kClasses> kSensitivities = {160, 192, 224, 256, 268};
+  constexpr std::array<int16_t, deimg::kIsoClasses> kSensitivities = {160, 192, 224, 256, 268};
   RawFile file;
   file.order = options.order == "MM" ? ByteOrder::kBig : ByteOrder::kLittle;
   PropertySet& p = file.properties;

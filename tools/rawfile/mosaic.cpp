@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "rawfile/natural_tuning.h"
-#include "rawfile/tone_curves.h"
+#include "stages/tone_curves.h"
 
 namespace deimg::rawfile {
 namespace {
@@ -15,6 +15,11 @@ constexpr int kOutputUnit = 32;                     // tone curve output per 8-b
 
 using Linear = std::array<double, 3>;
 
+int Evaluate(const LuminanceToneTuning& curve, int input) {
+  return LuminanceToneCurve(input, curve);
+}
+int Evaluate(const RgbToneTuning& curve, int input) { return RgbToneCurve(input, curve); }
+
 /// A rising tone curve backwards.
 class InverseCurve {
  public:
@@ -24,10 +29,10 @@ class InverseCurve {
     constexpr double kInsideFlatEnd = 16;
     int input = firstInput;
     lowest_ = Evaluate(curve, input);
-    while (input < kToneMaximum && Evaluate(curve, input + 1) == lowest_) ++input;
+    while (input < kHighestLuminance && Evaluate(curve, input + 1) == lowest_) ++input;
     inputs_.push_back(input);
-    for (int wanted = lowest_ + 1; wanted <= kToneMaximum; ++wanted) {
-      while (input < kToneMaximum && Evaluate(curve, input) < wanted) ++input;
+    for (int wanted = lowest_ + 1; wanted <= kHighestLuminance; ++wanted) {
+      while (input < kHighestLuminance && Evaluate(curve, input) < wanted) ++input;
       const int upper = Evaluate(curve, input);
       if (upper < wanted) {
         inputs_.push_back(inputs_.back() + kInsideFlatEnd);
@@ -64,7 +69,7 @@ size_t LevelOf(const PropertySet& p) {
 
 /// Index into tables by sensitivity class.
 size_t ClassOf(const PropertySet& p) {
-  constexpr std::array<int, kClasses> kSensitivities = {160, 192, 224, 256, 268};
+  constexpr std::array<int, kIsoClasses> kSensitivities = {160, 192, 224, 256, 268};
   const auto found = std::find(kSensitivities.begin(), kSensitivities.end(), int{p.sensitivity});
   if (found == kSensitivities.end()) throw WriteError("no class for the recorded sensitivity");
   return static_cast<size_t>(found - kSensitivities.begin());
@@ -74,12 +79,12 @@ size_t ClassOf(const PropertySet& p) {
 class ColourSolver {
  public:
   explicit ColourSolver(const PropertySet& p)
-      : inverseLuminance_(p.tuning.luminanceCurves[LevelOf(p)][ClassOf(p)], 0),
-        inverseRgb_(p.tuning.rgbCurves[LevelOf(p)][ClassOf(p)], kToneMinimum) {
+      : inverseLuminance_(p.tuning.luminanceTone[LevelOf(p)][ClassOf(p)], 0),
+        inverseRgb_(p.tuning.rgbTone[LevelOf(p)][ClassOf(p)], kLowestLinear) {
     for (size_t i = 0; i < 3; ++i) {
       weights_[i] = p.tables.luminanceWeights[0].values[i] / 256.0;
     }
-    const ChromaCorrection& c = p.tuning.chromaCorrection[LevelOf(p)];
+    const ChromaCorrectionTuning& c = p.tuning.chromaCorrection[LevelOf(p)];
     threshold_ = c.thresholdShift == 0 ? 0 : kOutputUnit << (c.thresholdShift - 1);
     redGain_ = CorrectionGain(c.redGain, c.redShift) * (c.redNegative == 1 ? -1 : 1);
     blueGain_ = CorrectionGain(c.blueGain, c.blueShift);
@@ -100,7 +105,7 @@ class ColourSolver {
     // The luminance curve takes twice the linear value.
     const double wanted = inverseLuminance_.At(static_cast<int>(luminance)) / 2;
 
-    int low = -kToneMaximum, high = kToneMaximum;
+    int low = -kHighestLuminance, high = kHighestLuminance;
     while (high - low > 1) {
       const int middle = (low + high) / 2;
       (LuminanceOf(Decode(encoded, middle)) < wanted ? low : high) = middle;

@@ -73,7 +73,7 @@ struct PropertySet {
   std::array<std::array<uint16_t, 4>, 7> presetGains{};
   /// Black levels of green on red lines, red, blue, green on blue lines.
   std::array<uint16_t, 4> blackLevels{};
-  TuningBlock tuning;
+  TuningBlock tuning = PlainTuning();
 
   /// Seed of the words and records nobody reads; 0: they are zero.
   uint32_t unreadSeed = 0;

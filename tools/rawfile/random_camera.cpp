@@ -47,62 +47,69 @@ class Dice {
 // ---- tuning -----------------------------------------------------------------------------------
 
 FilterTuning RandomFilter(Dice& dice) {
-  FilterTuning f;
-  f.detailSlopeShift = dice.Word(0, 8);
-  f.detailCoreLevel = dice.Free(0, 64, 0, 400);
+  FilterTuning f = PlainFilter();
+  f.aFilterSlopeShift = dice.Word(0, 8);
+  f.aFilterCoreLevel = dice.Free(0, 64, 0, 400);
   f.directionThreshold = dice.Free(-20, 300);
-  f.detailGain = dice.Free(0, 16);
-  f.detailLoss = dice.Free(0, 8);
-  f.horizontalLpf = dice.Pick({24, 33, 42, 55, 98, 111, 116, 125, 128});
-  f.verticalLpf = dice.Pick({8, 9, 10, 15, 24, 26, 28});
+  f.detailGainLow = dice.Free(0, 16);
+  f.detailGainMix = dice.Free(0, 8);
+  f.hokanLpfSelect = dice.Pick({24, 33, 42, 55, 98, 111, 116, 125, 128});
+  f.verLpfKernelSelect = dice.Pick({8, 9, 10, 15, 24, 26, 28});
   return f;
 }
 
-ApertureCurve RandomAperture(Dice& dice) {
-  ApertureCurve curve;
+ApcCurveParams RandomAperture(Dice& dice) {
+  ApcCurveParams curve{};
   curve.knee1 = dice.Free(0, 40, 0, 32767);
   curve.knee2 = dice.Free(20, 400, 0, 32767);
-  for (int16_t& code : curve.slopeCodes) code = dice.Free(0, 11);
-  for (int16_t& offset : curve.offsets) offset = dice.Free(-40, 80);
+  for (int16_t& code : curve.slopeCode) code = dice.Free(0, 11);
+  for (int16_t& offset : curve.offset) offset = dice.Free(-40, 80);
   return curve;
 }
 
 DetailTuning RandomDetail(Dice& dice) {
-  DetailTuning d;
-  d.verticalFilter = dice.Pick({0, 5});
-  d.radialMode0 = dice.Pick({0, 2, 3});
-  d.radialMode1 = dice.Pick({0, 2});
-  d.radialBlend = dice.Free(0, 8, 0, 300);
-  for (ApertureCurve* curve :
-       {&d.horizontalNarrow, &d.horizontalWide, &d.vertical, &d.radial, &d.directional}) {
+  DetailTuning d = PlainDetail();
+  d.vApcFilter = dice.Pick({0, 5});
+  d.rApcHorizontalMode = dice.Pick({0, 2, 3});
+  d.rApcVerticalMode = dice.Pick({0, 2});
+  d.rApcBlend = dice.Free(0, 8, 0, 300);
+  for (ApcCurveParams* curve : {&d.hApcShort, &d.hApcLong, &d.vApc, &d.rApc, &d.aApc}) {
     *curve = RandomAperture(dice);
   }
-  d.gainRise = dice.Word(0, 3);
-  d.gainFall = dice.Word(0, 3);
-  d.gainEnd = dice.Word(0, 7);
-  d.negativeA = dice.Free(0, 2);
-  d.negativeB = dice.Word(0, d.negativeA == 1 ? 3 : 2);
-  for (int16_t& peak : d.gainPeaks) peak = dice.Free(0, 60);
+  d.gain.riseCode = dice.Unsigned(0, 3);
+  d.gain.fallCode = dice.Unsigned(0, 3);
+  d.gain.endCode = dice.Unsigned(0, 7);
+  d.gain.negativeModeA = dice.Free(0, 2);
+  d.gain.negativeModeB = dice.Word(0, d.gain.negativeModeA == 1 ? 3 : 2);
+  for (int16_t& peak : d.gain.peak) peak = dice.Free(0, 60);
   return d;
 }
 
 /// Segments that rise more or less from one to the next.
-template <size_t N>
-void RandomSegments(Dice& dice, std::array<ToneSegment, N>& segments) {
-  int base = dice.Range(-10, 4);
-  for (ToneSegment& s : segments) {
-    s.base = dice.Free(base, base + 10);
-    s.linear = dice.Free(100, 1800);
-    s.quadratic = dice.Free(-300, 200);
-    s.mode = dice.Free(0, 2);
-    s.shift = dice.Free(0, 4);
-    s.quarter = dice.Free(0, 2);
-    base += dice.Range(20, 50);
+class RandomSegments {
+ public:
+  explicit RandomSegments(Dice& dice) : dice_(dice), base_(dice.Range(-10, 4)) {}
+
+  /// Fills the next segment and returns its mode, for those that have one.
+  template <typename Segment>
+  int16_t Fill(Segment& s) {
+    s.base = dice_.Free(base_, base_ + 10);
+    s.linear = dice_.Free(100, 1800);
+    s.quadratic = dice_.Free(-300, 200);
+    const int16_t mode = dice_.Free(0, 2);
+    s.shift = dice_.Free(0, 4);
+    s.quarter = dice_.Free(0, 2);
+    base_ += dice_.Range(20, 50);
+    return mode;
   }
-}
+
+ private:
+  Dice& dice_;
+  int base_;
+};
 
 ChromaSuppression RandomSuppression(Dice& dice) {
-  ChromaSuppression s;
+  ChromaSuppression s{};
   s.unread = dice.Word(-32768, 32767);
   s.darkCode = dice.Word(0, 3);
   s.slope3Code = dice.Pick({0, 1, 2, 4, 5, 6, 7, 8, 11});
@@ -115,8 +122,8 @@ ChromaSuppression RandomSuppression(Dice& dice) {
   return s;
 }
 
-ChromaCorrection RandomCorrection(Dice& dice) {
-  ChromaCorrection c;
+ChromaCorrectionTuning RandomCorrection(Dice& dice) {
+  ChromaCorrectionTuning c{};
   c.blueGain = dice.Free(0, 8, 0, 255);
   c.blueShift = dice.Free(0, 3, 0, 40);
   c.redGain = dice.Free(0, 8, 0, 255);
@@ -128,30 +135,35 @@ ChromaCorrection RandomCorrection(Dice& dice) {
 }
 
 TuningBlock RandomTuning(Dice& dice) {
-  TuningBlock block;
+  TuningBlock block = PlainTuning();
   block.smoothSelect = dice.Free(0, 1);
-  block.greenChoice = dice.Free(0, 1);
+  block.greenChoiceEnable = dice.Free(0, 1);
   for (FilterTuning& filter : block.filters) filter = RandomFilter(dice);
   for (DetailTuning& detail : block.details) detail = RandomDetail(dice);
-  for (auto& level : block.luminanceCurves) {
-    for (LuminanceCurve& curve : level) {
+  for (auto& level : block.luminanceTone) {
+    for (LuminanceToneTuning& curve : level) {
       curve.knee = dice.Free(1, 251);
       curve.highlight = dice.Free(829, 2047);
-      RandomSegments(dice, curve.segments);
+      RandomSegments segments(dice);
+      for (ToneSegment& segment : curve.segments) segments.Fill(segment);
+      segments.Fill(curve.last);
     }
   }
-  for (auto& level : block.rgbCurves) {
-    for (RgbCurve& curve : level) {
+  for (auto& level : block.rgbTone) {
+    for (RgbToneTuning& curve : level) {
       curve.floor = dice.Free(-128, 0);
       curve.knee = dice.Free(1, 251);
       curve.highlight = dice.Free(829, 2047);
-      RandomSegments(dice, curve.segments);
+      RandomSegments segments(dice);
+      curve.negative.mode = segments.Fill(curve.negative);
+      for (RgbToneSegment& segment : curve.segments) segment.mode = segments.Fill(segment);
+      curve.lastMode = segments.Fill(curve.last);
     }
   }
   for (ChromaSuppression& entry : block.chromaSuppression) entry = RandomSuppression(dice);
   block.luminancePedestal = dice.Free(0, 1024);
-  for (int16_t& offset : block.blackOffsets) offset = dice.Free(0, 64);
-  for (ChromaCorrection& entry : block.chromaCorrection) entry = RandomCorrection(dice);
+  for (int16_t* offset : {&block.blackR, &block.blackG, &block.blackB}) *offset = dice.Free(0, 64);
+  for (ChromaCorrectionTuning& entry : block.chromaCorrection) entry = RandomCorrection(dice);
   return block;
 }
 

@@ -18,11 +18,12 @@ ApcSegments MakeApcCurve(const ApcCurveParams& params, int size, int shift) {
   // (i x s / 16384 + offset) x 8.
   ApcSegments curve{
       .shift = shift,
-      .knee1 = params[0] * 4,
-      .knee2 = params[1] * 4,
+      .knee1 = params.knee1 * 4,
+      .knee2 = params.knee2 * 4,
       .last = size - 1,
-      .slope = {512 * SlopeOf(params[2]), 512 * SlopeOf(params[3]), SlopeOf(params[4])},
-      .offset = {params[5] * 16384, params[6] * 16384, params[7] * 16384},
+      .slope = {512 * SlopeOf(params.slopeCode[0]), 512 * SlopeOf(params.slopeCode[1]),
+                SlopeOf(params.slopeCode[2])},
+      .offset = {params.offset[0] * 16384, params.offset[1] * 16384, params.offset[2] * 16384},
       .overflows = false};
   for (int i = 0; i < 3; ++i) {
     const Sample lowest = curve.offset[i] / 2048;

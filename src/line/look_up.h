@@ -1,0 +1,25 @@
+/// Look-up of samples in tables.
+///
+/// Look-ups have loops of their own, apart from the arithmetic around them. They are bound by loads
+/// and stores, and no instruction level is better at them: one by one they take two thirds of the
+/// time of collecting them into vectors.
+#ifndef DEIMG_LINE_LOOK_UP_H
+#define DEIMG_LINE_LOOK_UP_H
+
+#include <cstdint>
+
+#include "line/line.h"
+
+namespace deimg {
+
+/// In place: replaces `width` samples by the entries of a table; `zero` is the entry of the sample
+/// 0. 16-bit entries keep large tables in the first-level cache.
+void LookUpLine(const std::int16_t* zero, int width, Sample* line);
+void LookUpLine(const Sample* zero, int width, Sample* line);
+
+/// The same from narrow samples to another line.
+void LookUpLine(const Sample* zero, const NarrowSample* in, int width, Sample* out);
+
+}  // namespace deimg
+
+#endif  // DEIMG_LINE_LOOK_UP_H

@@ -1,0 +1,47 @@
+#include "pipeline/processing_graph.h"
+
+namespace deimg {
+namespace {
+
+constexpr int kLeastBetweenReports = 12;  // percent
+
+}  // namespace
+
+ComponentX* ProcessingGraph::Find(TypeId typeId) const {
+  for (ComponentX* component : components()) {
+    if (component->typeId() == typeId) return component;
+  }
+  return nullptr;
+}
+
+Result ProcessingGraph::Run(CallerStream& output, Result status) {
+  ComponentX& last = *components().back();
+  const int firstLine = geometry_.areaTop;
+  const int lastLine = firstLine + geometry_.areaHeight - 1;
+  const bool reports = output.Progress != nullptr;
+  const auto report = [&](int percent) {
+    output.Progress(output.cookie, static_cast<std::uint16_t>(percent), &status);
+    return status;
+  };
+
+  output.Open(output.cookie, DEIMG_OPEN_TRUNCATE, &status);
+  if (status != DEIMG_OK) return status;
+  DEIMG_RETURN_IF_FAILED(last.Start(firstLine));
+  DEIMG_RETURN_IF_FAILED(Deliver(output));
+  int lastReported = 0;
+  for (int line = firstLine + 1; line <= lastLine; ++line) {
+    const int percent = line * 100 / lastLine;
+    if (reports && output.progressMode == DEIMG_PROGRESS_ALL &&
+        percent >= lastReported + kLeastBetweenReports) {
+      DEIMG_RETURN_IF_FAILED(report(percent));
+      lastReported = percent;
+    }
+    DEIMG_RETURN_IF_FAILED(last.Advance(line));
+    DEIMG_RETURN_IF_FAILED(Deliver(output));
+  }
+  if (reports && output.progressMode != DEIMG_PROGRESS_NEVER) DEIMG_RETURN_IF_FAILED(report(100));
+  output.Close(output.cookie, &status);
+  return status;
+}
+
+}  // namespace deimg

@@ -1,0 +1,37 @@
+/// Horizontal low-pass after the vertical one: the sums of three columns, weighted 1, 2, 1.
+///
+/// Input: the vertical low-pass, one line. Output: kLowPassed, four times its scale, sixteen times
+/// the mosaic's. The outer columns are multiplied by 4.
+#ifndef DEIMG_STAGES_LUMA_HOR_LPF_FOR_A_FILTER_INL_H
+#define DEIMG_STAGES_LUMA_HOR_LPF_FOR_A_FILTER_INL_H
+
+#include "stages/luma/ver_lpf_for_a_filter-inl.h"
+
+namespace deimg::DEIMG_LEVEL {
+
+class HorLpfForAFilter final : public Stage {
+ public:
+  enum Port { kLowPassed };
+
+  template <typename T>
+  HorLpfForAFilter(const StageContext& context, VerLpfForAFilter<T>& vertical)
+      : Stage(InfoOf(TypeId::kHorLpfForAFilter), context.size(), {&vertical}),
+        vertical_(*this, vertical, VerLpfForAFilter<T>::kLowPassed) {}
+
+ private:
+  void ComputeLine(int o) override { SmoothLine(vertical_[o], width(), lowPassed_[o]); }
+
+  static void SmoothLine(Line in, int width, MutableLine out) {
+    const int last = width - 1;
+    out[0] = 4 * in[0];
+    for (Index x = 1; x < last; ++x) out[x] = in[x - 1] + 2 * in[x] + in[x + 1];
+    out[last] = 4 * in[last];
+  }
+
+  const Input<Sample> vertical_;
+  const Output<Sample> lowPassed_{*this, kLowPassed};
+};
+
+}  // namespace deimg::DEIMG_LEVEL
+
+#endif  // DEIMG_STAGES_LUMA_HOR_LPF_FOR_A_FILTER_INL_H
