@@ -15,6 +15,7 @@
 #include "props/image_geometry.h"
 #include "rawfile/sensor_encoder.h"
 #include "storage/memory_stream.h"
+#include "support/fault_heap.h"
 #include "support/level_choice.h"
 #include "support/streams.h"
 
@@ -282,8 +283,9 @@ TEST(Geometry, DerivedReducedAndChecked) {
   };
   EXPECT_TRUE(supported(8, 2, 0, 7, 0, 1));
   EXPECT_FALSE(supported(9, 2, 0, 7, 0, 1));
-  EXPECT_FALSE(supported(6, 2, 0, 5, 0, 1));
-  EXPECT_FALSE(supported(8, 1, 0, 7, 0, 0));
+  EXPECT_TRUE(supported(6, 1, 0, 5, 0, 0));
+  EXPECT_FALSE(supported(4, 1, 0, 3, 0, 0));
+  EXPECT_FALSE(supported(6, 0, 0, 5, 0, 0));
   EXPECT_FALSE(supported(8, 2, 0, 8, 0, 1));
   EXPECT_FALSE(supported(8, 2, 5, 4, 0, 1));
   EXPECT_FALSE(supported(8, 2, 7, 2, 0, 1));
@@ -407,7 +409,18 @@ TEST_P(PlaneLoops, PreviewsAgreeWithThePlainFormula) {
       }
     }
     std::vector<std::uint16_t> planes(static_cast<std::size_t>(4 * rw * rh));
-    ASSERT_EQ(PreviewReduction(level.planeLines(), *stream.get(), g, r, planes.data()), DEIMG_OK);
+    const auto reduce = [&] {
+      planes.assign(planes.size(), 0);
+      return PreviewReduction(level.planeLines(), *stream.get(), g, r, planes.data());
+    };
+    ASSERT_EQ(reduce(), DEIMG_OK);
+    const auto together = planes;
+    {
+      // Short of memory for all positions side by side.
+      const testing::FaultScope faults({.largest = static_cast<std::size_t>(32 * width)});
+      ASSERT_EQ(reduce(), DEIMG_OK);
+      ASSERT_EQ(planes, together);
+    }
     for (int y = 0; y < rh; ++y) {
       for (int x = 0; x < rw; ++x) {
         const std::size_t p = static_cast<std::size_t>(y % 2 * 2 + (x % 2 == 0 ? 1 : 0));
@@ -419,6 +432,27 @@ TEST_P(PlaneLoops, PreviewsAgreeWithThePlainFormula) {
         ASSERT_EQ(planes[static_cast<std::size_t>(y * rw + x)], sum >> 2)
             << width << 'x' << height << " at " << x << ',' << y;
       }
+    }
+  }
+}
+
+/// Every reader of the plane refuses one that ends too early.
+TEST(ShortPlane, IsAnErrorForEveryReader) {
+  const ImageGeometry g = GeometryOf(48, 36);
+  const ReducedGeometry r = ReduceGeometry(g);
+  const PlaneLines& lines = BestLevel("").planeLines();
+  const std::uint16_t black[4] = {};
+  std::vector<std::uint16_t> planes(4u * r.sensorWidth * r.sensorHeight);
+  for (const std::uint64_t missing : {0, 2, 96, 1000}) {
+    const MemoryStream stream = MemoryStream::Make(PlaneBytes(g) - missing);
+    const Result expected = missing == 0 ? DEIMG_OK : DEIMG_FILE_READ;
+    EXPECT_EQ(BlackLevelSubtraction(lines, g, *stream.get(), black), expected);
+    EXPECT_EQ(PreviewReduction(lines, *stream.get(), g, r, planes.data()), expected);
+    DevelopParams params{};
+    for (const int y : {10, 16, 30}) {  // the square reaches the last line, or beyond it
+      params.wbPointY = y;
+      const bool reads = missing >= 1000 || (missing != 0 && y >= 16);
+      EXPECT_EQ(PointWhiteBalance(*stream.get(), g, params), reads ? expected : Result{DEIMG_OK});
     }
   }
 }

@@ -32,19 +32,74 @@ SensorRecord Declared(const Bytes& file) {
   return read ? props.sensor : SensorRecord{};
 }
 
-/// The documented bound on memory: the plane if it is held in memory, and the largest of property
-/// block, low-bit block and graph, or the 2 MiB that have to remain while the plane is made.
-std::size_t MemoryBound(const Bytes& file) {
-  const SensorRecord sensor = Declared(file);
-  const std::size_t plane = std::size_t{2} * sensor.width * sensor.height;
-  const std::size_t graph = 1024u * std::size_t{sensor.width} + (512u << 10);
-  return plane + std::max({file.size() + (64u << 10), plane / 8 + (96u << 10), graph,
-                           (std::size_t{2} << 20) + (64u << 10)});
+/// The documented bounds on memory.
+struct MemoryBounds {
+  explicit MemoryBounds(const Bytes& file) {
+    const SensorRecord sensor = Declared(file);
+    plane = std::size_t{2} * sensor.width * sensor.height;
+    properties = file.size() + (64u << 10);
+    lowBits = plane / 8 + (96u << 10);
+    reduction = plane / 9 + 1024u * std::size_t{sensor.width};
+    graph = 1024u * std::size_t{sensor.width} + (512u << 10);
+    picture = plane / 24 + 57600;
+  }
+  std::size_t plane, properties, lowBits, reduction, graph, picture;
+  static constexpr std::size_t kProbe = (std::size_t{2} << 20) + (64u << 10);
+
+  std::size_t largest() const {
+    return plane + std::max({properties, lowBits, kProbe, reduction, plane / 9 + graph + picture});
+  }
+};
+
+/// Each bound is one that a job comes near, so that a job that needs more is noticed: the peaks of
+/// its phases, on a plane whose bounds tell apart.
+TEST(HostileFiles, MemoryOfEachPhase) {
+  rawfile::RawFile camera = SmallCamera(31);
+  camera.SetPlane({2400, 600, std::vector<std::uint16_t>(2400u * 600u, 700)});
+  camera.properties.sensor.area = {0, 0, 2399, 599};
+  camera.properties.extras = {{0x0700, Bytes(500000), {}, false}};
+  const Bytes file = rawfile::Serialize(camera);
+  const MemoryBounds bounds(file);
+  for (const std::uint32_t flags : {DEIMG_JOB_FULL, DEIMG_JOB_THUMBNAIL}) {
+    std::size_t properties = 0, decoding = 0, reduction = 0, graph = 0;
+    const Fault atInput = [&](Op op, int n) {
+      if (op == Op::kClose) (n == 1 ? properties : decoding) = FaultScope::TakePeak();
+      if (op == Op::kOpen && n == 2) FaultScope::TakePeak();  // the probe's
+      return 0u;
+    };
+    const Fault atOutput = [&](Op op, int n) {
+      // A thumbnail reports when its mosaic is reduced, and when its picture is developed.
+      if (op == Op::kProgress && n == 2 && flags == DEIMG_JOB_THUMBNAIL) {
+        reduction = FaultScope::TakePeak();
+      }
+      if ((op == Op::kProgress && n == 3 && flags == DEIMG_JOB_THUMBNAIL) || op == Op::kClose) {
+        graph = std::max(graph, FaultScope::TakePeak());
+      }
+      return 0u;
+    };
+    InputStream input(file, atInput);
+    OutputStream output(DEIMG_PROGRESS_ALL, atOutput);
+    const FaultScope scope(HeapFaults{});
+    ASSERT_EQ(DEImg_DevelopM480(input.get(), flags, DEIMG_FORMAT_16BIT, nullptr, output.get()), 0u);
+    const auto near = [](std::size_t peak, std::size_t bound) {
+      EXPECT_LE(peak, bound);
+      EXPECT_GE(peak, bound / 4);
+    };
+    near(properties, bounds.properties);
+    near(decoding - bounds.plane, bounds.lowBits);
+    if (flags == DEIMG_JOB_FULL) {
+      near(graph - bounds.plane, bounds.graph);
+    } else {
+      near(reduction - bounds.plane, bounds.reduction);
+      const std::size_t reduced = (std::size_t{1} << 10) * 400 + (512u << 10);
+      near(graph - bounds.plane, bounds.plane / 9 + reduced + bounds.picture);
+    }
+  }
 }
 
 /// Runs a job that may end with a picture (true) or with one of the codes for bad files.
 bool Survives(const Bytes& file, std::uint32_t flags, bool inFile) {
-  const std::size_t bound = MemoryBound(file);
+  const std::size_t bound = MemoryBounds(file).largest();
   const FaultScope scope(inFile ? PlaneInFile() : HeapFaults{});
   const auto start = std::chrono::steady_clock::now();
   const Outcome outcome = Develop(file, flags, DEIMG_FORMAT_16BIT);

@@ -16,6 +16,7 @@ namespace {
 
 using testing::Develop;
 using testing::InputStream;
+using testing::Op;
 using testing::Outcome;
 using testing::OutputStream;
 using testing::RecordedParams;
@@ -113,10 +114,27 @@ TEST(Job, ReportsByMode) {
   EXPECT_EQ(full.back(), 100);
   for (std::size_t i = 2; i + 1 < full.size(); ++i) EXPECT_GE(full[i], full[i - 1] + 12);
 
-  InputStream input(file);
-  OutputStream output;
-  output.get()->Progress = nullptr;
-  EXPECT_EQ(DEImg_DevelopM480(input.get(), 0, 4, nullptr, output.get()), DEIMG_OK);
+  // A host may take its Progress away, or first give it, at any call.
+  for (const std::uint32_t flags : {0u, 0x100u, 0x200u}) {
+    for (const Op at : {Op::kOpen, Op::kWrite, Op::kProgress}) {
+      for (const bool gives : {false, true}) {
+        InputStream input(file);
+        decltype(CallerStream::Progress) progress = nullptr;
+        CallerStream* stream = nullptr;
+        OutputStream output(DEIMG_PROGRESS_ALL, [&](Op op, int n) {
+          if (op == at && n == (op == Op::kOpen ? 1 : 2))
+            stream->Progress = gives ? progress : nullptr;
+          return 0u;
+        });
+        stream = output.get();
+        progress = stream->Progress;
+        if (gives) output.get()->Progress = nullptr;
+        EXPECT_EQ(DEImg_DevelopM480(input.get(), flags, 4, nullptr, output.get()), DEIMG_OK);
+        const bool last = !output.reports.empty() && output.reports.back() == 100;
+        EXPECT_EQ(last, gives && at != Op::kProgress) << flags << static_cast<int>(at);
+      }
+    }
+  }
 }
 
 TEST(Job, FileBackedPlaneGivesTheSameBytes) {

@@ -19,6 +19,11 @@ using rawfile::ByteOrder;
 using rawfile::Bytes;
 using rawfile::Heap;
 
+Result ReadOne(const PropsHeap* heap, std::uint16_t tag, void* slot, std::size_t size) {
+  PropsSlot wanted[] = {{tag, static_cast<std::uint8_t*>(slot), size}};
+  return PropsRead(heap, wanted);
+}
+
 /// Reads one property of a heap into a slot prefilled with 0xEE.
 Result ReadFrom(const Heap& heap, std::uint16_t tag, std::vector<std::uint8_t>& slot,
                 ByteOrder order = ByteOrder::kLittle) {
@@ -27,7 +32,7 @@ Result ReadFrom(const Heap& heap, std::uint16_t tag, std::vector<std::uint8_t>& 
   EXPECT_EQ(pxfPsReadOpenImagePropsFromMemory(bytes.data(), order == ByteOrder::kBig,
                                               static_cast<std::uint32_t>(bytes.size()), &handle),
             kPropsOk);
-  return PropsRead(handle.get(), tag, slot.data(), slot.size());
+  return ReadOne(handle.get(), tag, slot.data(), slot.size());
 }
 
 TEST(PropsHeap, FindsDepthFirstInDirectoryOrder) {
@@ -68,7 +73,7 @@ TEST(PropsHeap, RefusesWhatLeavesIt) {
     PropsHandle handle(
         pxfPsPropsProlog(false, bytes.data(), static_cast<std::uint32_t>(bytes.size())));
     char slot[4];
-    return PropsRead(handle.get(), tag, slot, sizeof(slot));
+    return ReadOne(handle.get(), tag, slot, sizeof(slot));
   };
   ASSERT_EQ(search(good, 0x0801), kPropsOk);
   const std::size_t directory = rawfile::Bytes::size_type{good[good.size() - 4]};
@@ -83,8 +88,22 @@ TEST(PropsHeap, RefusesWhatLeavesIt) {
   Bytes manyEntries = good;
   manyEntries[directory + 1] = 1;
   EXPECT_EQ(search(manyEntries, 0x0801), kPropsUnreadable);
-  EXPECT_EQ(search({0, 0, 0, 0, 0}, 0x0801), kPropsUnreadable);
-  EXPECT_EQ(PropsRead(nullptr, 0x0801, nullptr, 0), kPropsInvalidHandle);
+  EXPECT_EQ(ReadOne(nullptr, 0x0801, nullptr, 0), kPropsInvalidHandle);
+
+  // Count, entries and data may lie over the offset of the directory, as long as they are inside.
+  EXPECT_EQ(search({0, 0, 0, 0}, 0x0801), kPropsNotFound);
+  EXPECT_EQ(search({0, 0, 0, 0, 0}, 0x0801), kPropsNotFound);
+  EXPECT_EQ(search({2, 0, 0, 0}, 0x0801), kPropsNotFound) << "a count of 0 at 2";
+  EXPECT_EQ(search({3, 0, 0, 0}, 0x0801), kPropsUnreadable);
+  EXPECT_EQ(search({0, 0, 0}, 0x0801), kPropsUnreadable);
+  const Bytes overlapping = {9, 9, 9, 1, 0, 1, 8, 4, 0, 0, 0, 3, 0, 0, 0};  // its offset is its end
+  EXPECT_EQ(search(overlapping, 0x0801), kPropsOk);
+  Bytes leaving = overlapping;
+  leaving.front() = 0;
+  leaving.insert(leaving.end() - 4, 0);
+  leaving[12] = 4;  // the directory a byte further down: its entry ends behind the heap
+  leaving.pop_back();
+  EXPECT_EQ(search(leaving, 0x0801), kPropsUnreadable);
 
   Heap deep;
   Heap* inner = &deep;
@@ -94,6 +113,22 @@ TEST(PropsHeap, RefusesWhatLeavesIt) {
   inner->SubHeap(0x3002);
   inner->Add(0x0803, {'a'});
   EXPECT_EQ(search(deep.Serialize(ByteOrder::kLittle), 0x0803), kPropsUnreadable);
+}
+
+TEST(PropsHeap, PassesOverASubHeapForWantOfMemory) {
+  Heap heap;
+  heap.SubHeap(0x3001).Add(0x0801, {'a'});
+  heap.Add(0x0802, {'b'});
+  const Bytes bytes = heap.Serialize(ByteOrder::kLittle);
+  const PropsHandle handle(
+      pxfPsPropsProlog(false, bytes.data(), static_cast<std::uint32_t>(bytes.size())));
+  ::testing::internal::CaptureStdout();
+  char slot[1];
+  const testing::FaultScope faults({.failAt = 1, .andAllAfter = true});
+  EXPECT_EQ(ReadOne(handle.get(), 0x0802, slot, 1), kPropsOk);
+  EXPECT_EQ(ReadOne(handle.get(), 0x0801, slot, 1), COMPLIB_STG_E_INSUFFICIENTMEMORY);
+  std::fflush(stdout);
+  ::testing::internal::GetCapturedStdout();
 }
 
 Result ReadProps(Bytes file, ImageProps& props) {
@@ -165,6 +200,20 @@ TEST(ImageProps, ChecksHeaderAndDirectory) {
   bad = file;
   put32(bad, 62, 35);  // the directory may start at 34 at the latest
   EXPECT_EQ(ReadProps(bad, props), DEIMG_PROPS_UNREADABLE);
+  // The last entry may end the file, its offset being the directory's, and no further.
+  for (const std::uint32_t directory : {18u, 19u, 28u, 29u}) {
+    const std::size_t at = 26 + directory;
+    bad.assign(at + 12, 0);
+    std::copy_n(file.begin(), 26, bad.begin());
+    bad[at] = directory % 10 == 8 ? 1 : 2;
+    put32(bad, at + 8, directory);
+    // The block, if any, is found: what is refused then is that nothing is in it.
+    EXPECT_EQ(ReadProps(bad, props), DEIMG_PROPS_UNREADABLE);
+    testing::InputStream input(bad);
+    ImagePropsBlock block;
+    EXPECT_EQ(ReadImagePropsBlock(*input.get(), block),
+              directory % 10 == 8 ? Result{DEIMG_OK} : Result{DEIMG_PROPS_UNREADABLE});
+  }
   // Too many entries: the size of the directory is looked at before its place.
   bad = file;
   bad[26] = 3277 & 0xFF;

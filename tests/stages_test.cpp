@@ -617,7 +617,7 @@ DEIMG_INSTANTIATE_LEVELS(Stages);
 
 TEST_P(Stages, ComputeWhatIsStatedFromTheirWindowAlone) {
   unsigned seed = 0;
-  for (const int width : {8, 10, 18, 34, 70, 130}) {
+  for (const int width : {6, 8, 10, 18, 34, 70, 130}) {
     for (int round = 0; round < 24; ++round) {
       StageBench bench(width, ++seed);
       const bool hostile = round % 2 == 0, narrow = round % 4 < 2;

@@ -79,72 +79,39 @@ TEST(MemoryStream, NeedsAllItsBlocks) {
   }
 }
 
-class FileStreamTest : public ::testing::Test {
- protected:
-  void SetUp() override {
-    stream_ = FileStream::Make(path_.c_str());
-    ASSERT_TRUE(stream_);
-  }
-  // Of this test alone: others run beside it.
-  const testing::TemporaryDirectory directory_;
-  const std::string path_ = directory_.path() + "/file";
-  FileStream stream_;
-};
-
-TEST_F(FileStreamTest, OpensByItself) {
-  CallerStream& s = *stream_.get();
-  EXPECT_FALSE(std::filesystem::exists(path_));
-  std::uint32_t position = 7;
-  EXPECT_EQ(Tell(s, position), DEIMG_FILE_NOT_OPEN);
-  EXPECT_EQ(Seek(s, DEIMG_SEEK_BEGINNING, 0), DEIMG_FILE_NOT_OPEN);
-  EXPECT_EQ(Open(s, DEIMG_OPEN_READ), DEIMG_FILE_NOT_OPEN);
-  EXPECT_EQ(Write(s, "abc", 3), DEIMG_OK);
-  EXPECT_EQ(Seek(s, DEIMG_SEEK_BEGINNING, -1), DEIMG_FILE_SEEK);
-  EXPECT_EQ(Close(s), DEIMG_OK);
-  char read[4] = {};
-  std::uint32_t delivered = 0;
-  EXPECT_EQ(Read(s, read, 4, delivered), DEIMG_OK);  // for reading
-  EXPECT_STREQ(read, "abc");
-  EXPECT_EQ(Write(s, "x", 1), DEIMG_FILE_WRITE);
-  EXPECT_EQ(Close(s), DEIMG_OK);
-  EXPECT_EQ(Write(s, "yz", 2), DEIMG_OK);  // truncating
-  EXPECT_EQ(std::filesystem::file_size(path_), 2u);
-}
-
-TEST_F(FileStreamTest, UpdatesAndIsDeleted) {
-  CallerStream& s = *stream_.get();
-  EXPECT_EQ(Open(s, DEIMG_OPEN_UPDATE), DEIMG_OK);
-  EXPECT_EQ(Write(s, "hello", 5), DEIMG_OK);
-  EXPECT_EQ(Open(s, DEIMG_OPEN_UPDATE), DEIMG_OK);
-  EXPECT_EQ(Write(s, "J", 1), DEIMG_OK);
-  std::uint32_t position = 0;
-  EXPECT_EQ(Seek(s, DEIMG_SEEK_END, 0), DEIMG_OK);
-  EXPECT_EQ(Tell(s, position), DEIMG_OK);
-  EXPECT_EQ(position, 5u);
-  stream_.Release();
-  EXPECT_FALSE(std::filesystem::exists(path_));
-  EXPECT_FALSE(FileStream::Make(std::string(256, 'x').c_str()));
-  EXPECT_TRUE(FileStream::Make(std::string(255, 'x').c_str()));
-}
-
-TEST(TemporaryFiles, TakeTheNextFreeName) {
-  char first[FileStreamState::kPathSize];
+TEST(FileStream, KeepsOneNamelessFile) {
+  const testing::TemporaryDirectory directory;
+  char first[256];
   ASSERT_TRUE(MakeTemporaryName(first, sizeof(first)));
   EXPECT_NE(std::strstr(first, "/_dv"), nullptr);
+  EXPECT_FALSE(MakeTemporaryName(first, 12));
   FileStream stream;
   ASSERT_EQ(FileStream::MakeTemporary(stream), DEIMG_OK);
-  const std::string path = stream.path();
-  EXPECT_EQ(std::filesystem::status(path).permissions(),
-            std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
-  EXPECT_EQ(Write(*stream.get(), "abc", 3), DEIMG_OK);
-
-  // Emptied again by an open, but never made anew once it is gone.
-  EXPECT_EQ(Open(*stream.get(), DEIMG_OPEN_TRUNCATE), DEIMG_OK);
-  EXPECT_EQ(std::filesystem::file_size(path), 0u);
-  std::filesystem::remove(path);
-  EXPECT_EQ(Open(*stream.get(), DEIMG_OPEN_TRUNCATE), DEIMG_FILE_NOT_OPEN);
-  stream.Release();
-  EXPECT_FALSE(std::filesystem::exists(path));
+  EXPECT_TRUE(directory.IsEmpty()) << "the name is gone at once";
+  CallerStream& s = *stream.get();
+  std::uint32_t position = 7, delivered = 0;
+  char read[8] = {};
+  EXPECT_EQ(Tell(s, position), DEIMG_FILE_NOT_OPEN);
+  EXPECT_EQ(Write(s, "hello", 5), DEIMG_OK);  // opens by itself, emptied
+  EXPECT_EQ(Seek(s, DEIMG_SEEK_BEGINNING, -1), DEIMG_FILE_SEEK);
+  EXPECT_EQ(Open(s, DEIMG_OPEN_UPDATE), DEIMG_OK);  // rewinds and keeps
+  EXPECT_EQ(Write(s, "J", 1), DEIMG_OK);
+  EXPECT_EQ(Seek(s, DEIMG_SEEK_END, -1), DEIMG_OK);
+  EXPECT_EQ(Seek(s, DEIMG_SEEK_CURRENT, 1), DEIMG_OK);
+  EXPECT_EQ(Tell(s, position), DEIMG_OK);
+  EXPECT_EQ(position, 5u);
+  EXPECT_EQ(Close(s), DEIMG_OK);
+  EXPECT_EQ(Read(s, read, 8, delivered), DEIMG_OK);  // from the beginning
+  EXPECT_STREQ(read, "Jello");
+  EXPECT_EQ(delivered, 5u);
+  EXPECT_EQ(Close(s), DEIMG_OK);
+  EXPECT_EQ(Write(s, "x", 1), DEIMG_OK);  // emptied again
+  EXPECT_EQ(Open(s, DEIMG_OPEN_READ), DEIMG_OK);
+  EXPECT_EQ(Read(s, read, 8, delivered), DEIMG_OK);
+  EXPECT_EQ(delivered, 1u);
+  EXPECT_EQ(Open(s, DEIMG_OPEN_TRUNCATE), DEIMG_OK);
+  EXPECT_EQ(Read(s, read, 8, delivered), DEIMG_OK);
+  EXPECT_EQ(delivered, 0u);
 }
 
 }  // namespace

@@ -16,6 +16,7 @@ Result BlackLevelSubtraction(const PlaneLines& lines, const ImageGeometry& geome
     (void)SeekTo(plane, lineBytes * y);
     std::uint32_t delivered = 0;
     DEIMG_RETURN_IF_FAILED(Read(plane, line.get(), lineBytes, delivered));
+    if (delivered < lineBytes) return DEIMG_FILE_READ;
     ToLittleEndian(line.get(), geometry.sensorWidth);  // and back, which is the same
     const std::size_t odd = y % 2 != 0 ? 2 : 0;
     lines.subtractLevels(blackLevelWords[odd + 1], blackLevelWords[odd], geometry.sensorWidth,

@@ -14,7 +14,7 @@ namespace deimg {
 /// become 0. The levels are those of the positions (even line, odd column), (even, even), (odd,
 /// odd), (odd, even). Opens the stream with mode 2 and closes it; after a failure it stays open.
 ///
-/// @return 0, DEIMG_OUT_OF_MEMORY or an error word of the stream.
+/// @return 0, DEIMG_OUT_OF_MEMORY, an error word of the stream, or 39 when it ends too early.
 [[nodiscard]] Result BlackLevelSubtraction(const PlaneLines& lines, const ImageGeometry& geometry,
                                            CallerStream& plane,
                                            const std::uint16_t (&blackLevelWords)[4]);

@@ -41,9 +41,10 @@ Result PointWhiteBalance(CallerStream& plane, const ImageGeometry& geometry,
   DEIMG_RETURN_IF_FAILED(SeekTo(plane, y0 * lineBytes));
   DEIMG_RETURN_IF_FAILED(Read(plane, square.get(), kSquare * lineBytes, delivered));
   DEIMG_RETURN_IF_FAILED(Close(plane));
+  const std::uint32_t lines = std::min(kSquare, geometry.sensorHeight - y0);
+  if (delivered < lines * lineBytes) return DEIMG_FILE_READ;
 
   SiteSums sums;
-  const std::uint32_t lines = std::min(kSquare, geometry.sensorHeight - y0);
   const std::uint32_t lastColumn = std::min(x0 + kSquare, width);
   for (std::uint32_t r = 0; r < lines; ++r) {
     for (std::uint32_t c = x0; c < lastColumn; ++c) {

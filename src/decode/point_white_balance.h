@@ -14,7 +14,8 @@ namespace deimg {
 /// and stores them in the host's block with wbGainsSet = 1. The point lies inside the image area;
 /// the square is cut to the plane.
 ///
-/// @return DEIMG_OUT_OF_MEMORY or an error word of the stream; the block then keeps its contents.
+/// @return DEIMG_OUT_OF_MEMORY, an error word of the stream, or 39 when it ends too early; the
+/// block then keeps its contents.
 [[nodiscard]] Result PointWhiteBalance(CallerStream& plane, const ImageGeometry& geometry,
                                        DevelopParams& params);
 

@@ -123,9 +123,12 @@ Result SensorPlaneDecoder(const PlaneLines& lines, CallerStream& input,
   const std::uint32_t lowBitsBytes = samples / 4;
   const auto lowBits = BlockOf<std::uint8_t>::Uninitialised(lowBitsBytes);
   if (!lowBits) return DEIMG_OUT_OF_MEMORY;
-  DEIMG_RETURN_IF_FAILED(SeekTo(input, kLowBitsPosition));
+  // The host sees both operations before either error word counts.
+  const Result sought = SeekTo(input, kLowBitsPosition);
   std::uint32_t delivered = 0;
-  DEIMG_RETURN_IF_FAILED(Read(input, lowBits.get(), lowBitsBytes, delivered));
+  const Result read = Read(input, lowBits.get(), lowBitsBytes, delivered);
+  DEIMG_RETURN_IF_FAILED(sought);
+  DEIMG_RETURN_IF_FAILED(read);
   if (delivered < lowBitsBytes) return DEIMG_BAD_DATA;
 
   CodedDataReader reader(input, ChooseCodeSet(props.codeSetIndex()));

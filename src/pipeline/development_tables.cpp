@@ -8,7 +8,7 @@ namespace deimg {
 namespace {
 
 constexpr std::int16_t kLayoutNumber = 16;
-constexpr std::int32_t kLargeValue = 262144;
+constexpr std::int32_t kLargeDistance = 262144;
 constexpr std::int32_t kOne = 4096;
 constexpr std::int16_t kHighestColourGain = 255;
 
@@ -34,10 +34,6 @@ class TableStream {
 /// Division that is defined for every operand: truncating, and wrapping where it overflows.
 std::int32_t Divide(std::int32_t a, std::int32_t b) {
   return static_cast<std::int32_t>(std::int64_t{a} / b);
-}
-
-std::int32_t Term(std::int32_t value, std::int32_t weight) {
-  return value < kLargeValue ? value * weight / kOne : value / kOne * weight;
 }
 
 /// The group of a level of -1, 0 or 1.
@@ -126,7 +122,7 @@ Result TuningTables::Load(const ImageProps& props) {
 
 std::int32_t Interpolate(std::int32_t a, std::int32_t b, std::int32_t dHi, std::int32_t dLo) {
   if (dHi + dLo == 0) dHi = dLo = 1;
-  if (dHi > kLargeValue) {
+  if (dHi > kLargeDistance) {
     dHi >>= 2;
     dLo >>= 2;
   }
@@ -134,8 +130,7 @@ std::int32_t Interpolate(std::int32_t a, std::int32_t b, std::int32_t dHi, std::
   if (dHi + dLo == 0) dHi = dLo = 1;
   const std::int32_t w = Divide(dHi * kOne, dHi + dLo);
   const std::int32_t rest = kOne - w;
-  if (a < kLargeValue && b < kLargeValue) return (a * w + b * rest) / kOne;
-  return Term(a, w) + Term(b, rest);
+  return (a * w + b * rest) / kOne;
 }
 
 template <std::size_t n>

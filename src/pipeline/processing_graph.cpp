@@ -18,9 +18,11 @@ Result ProcessingGraph::Run(CallerStream& output, Result status) {
   ComponentX& last = *components().back();
   const int firstLine = geometry_.areaTop;
   const int lastLine = firstLine + geometry_.areaHeight - 1;
-  const bool reports = output.Progress != nullptr;
+  // The host may change its mind about reports at any call.
   const auto report = [&](int percent) {
-    output.Progress(output.cookie, static_cast<std::uint16_t>(percent), &status);
+    if (output.Progress != nullptr) {
+      output.Progress(output.cookie, static_cast<std::uint16_t>(percent), &status);
+    }
     return status;
   };
 
@@ -31,7 +33,7 @@ Result ProcessingGraph::Run(CallerStream& output, Result status) {
   int lastReported = 0;
   for (int line = firstLine + 1; line <= lastLine; ++line) {
     const int percent = line * 100 / lastLine;
-    if (reports && output.progressMode == DEIMG_PROGRESS_ALL &&
+    if (output.progressMode == DEIMG_PROGRESS_ALL && output.Progress != nullptr &&
         percent >= lastReported + kLeastBetweenReports) {
       DEIMG_RETURN_IF_FAILED(report(percent));
       lastReported = percent;
@@ -39,7 +41,7 @@ Result ProcessingGraph::Run(CallerStream& output, Result status) {
     DEIMG_RETURN_IF_FAILED(last.Advance(line));
     DEIMG_RETURN_IF_FAILED(Deliver(output));
   }
-  if (reports && output.progressMode != DEIMG_PROGRESS_NEVER) DEIMG_RETURN_IF_FAILED(report(100));
+  if (output.progressMode != DEIMG_PROGRESS_NEVER) DEIMG_RETURN_IF_FAILED(report(100));
   output.Close(output.cookie, &status);
   return status;
 }

@@ -71,7 +71,7 @@ Result ResolveSettings(DevelopParams& params, const ImageProps& props, DevelopSe
   for (std::size_t i = 0; i < 4; ++i) {
     settings.wbGains[i] = static_cast<std::int32_t>(block.wbGains[i]);
   }
-  if (preset < -1 || preset >= ImageProps::kPresets) return DEIMG_UNSUPPORTED;
+  // Gains that are given come with the preset -1 or 6, see ApplyDefaults().
   settings.colourTemperature = props.colourTemperatures[preset + 1];
   return DEIMG_OK;
 }

@@ -21,27 +21,20 @@ namespace deimg::platform {
 using FileHandle = std::intptr_t;
 inline constexpr FileHandle kInvalidFile = -1;
 
-enum class FileMode {
-  kRead,              ///< existing file, reading only
-  kUpdate,            ///< reading and writing, contents kept, created when absent
-  kUpdateExisting,    ///< as kUpdate, never created
-  kTruncate,          ///< reading and writing, emptied, created when absent
-  kTruncateExisting,  ///< as kTruncate, never created
-};
-
-enum class AccessHint { kRandom, kSequential };
-
-/// Opens a work file; kInvalidFile when it cannot be. Only regular files of this user are opened,
-/// never through a symbolic link; files created here are readable and writable by this user only.
-[[nodiscard]] FileHandle OpenFile(const char* path, FileMode mode, AccessHint hint) noexcept;
-
 enum class CreateOutcome { kCreated, kNameTaken, kFailed };
 
-/// Creates an empty file for this user only; never opens one that exists. The file is left closed.
-[[nodiscard]] CreateOutcome CreateNewFile(const char* path) noexcept;
+/// Creates an empty work file under a name that nothing has yet, and opens it for reading and
+/// writing by this process alone. It is never opened again, and nobody else can find, replace or
+/// empty it: the name is removed at once, or locked while the file is open. It is gone when it is
+/// closed, and when the process ends.
+[[nodiscard]] CreateOutcome CreateWorkFile(const char* path, FileHandle& file) noexcept;
+
+/// Empties the file; false on failure.
+[[nodiscard]] bool EmptyFile(FileHandle file) noexcept;
 
 /// Reads or writes up to `bytes` bytes at the file position. False on failure; `transferred` then
-/// holds what was moved before it. A write moves everything or fails.
+/// holds what was moved before it. A write moves everything or fails, also where a file size limit
+/// would end the process with a signal.
 [[nodiscard]] bool ReadFile(FileHandle file, void* buffer, std::uint32_t bytes,
                             std::uint32_t& transferred) noexcept;
 [[nodiscard]] bool WriteFile(FileHandle file, const void* buffer, std::uint32_t bytes,
@@ -51,7 +44,6 @@ enum class SeekFrom { kBeginning, kCurrent, kEnd };
 [[nodiscard]] bool SeekFile(FileHandle file, SeekFrom from, std::int32_t offset) noexcept;
 [[nodiscard]] bool TellFile(FileHandle file, std::uint32_t& position) noexcept;
 void CloseFile(FileHandle file) noexcept;
-void DeleteFile(const char* path) noexcept;
 
 // --- Temporary names ------------------------------------------------------------------------
 

@@ -4,8 +4,8 @@ namespace deimg {
 namespace {
 
 constexpr std::uint16_t kReduction = 6;
-constexpr int kSmallestWidth = 8;
-constexpr int kSmallestHeight = 2;
+constexpr int kSmallestWidth = 6;
+constexpr int kSmallestHeight = 1;
 
 std::uint16_t Even(std::uint16_t value) { return value & 0xFFFEu; }
 

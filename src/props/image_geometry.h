@@ -40,11 +40,11 @@ using ReducedGeometry = ImageGeometry;
 /// Every field divided by 6, rounded down to even.
 [[nodiscard]] ReducedGeometry ReduceGeometry(const ImageGeometry& geometry);
 
-/// Whether the library can develop a picture of this geometry: an even width of 8 columns or more,
-/// 2 lines or more, a plane of less than 2 GiB, and an image area inside the plane.
+/// Whether the library can develop a picture of this geometry: an even width of 6 columns or more,
+/// 1 line or more, a plane of less than 2 GiB, and an image area inside the plane.
 [[nodiscard]] bool IsSupported(const ImageGeometry& geometry);
 
-/// Whether the reduced picture is large enough to be developed.
+/// Whether the reduced picture can be developed: its area has 2 x 2 pixels or more.
 [[nodiscard]] bool IsSupportedReduced(const ReducedGeometry& reduced);
 
 /// Bytes of the sensor plane.

@@ -1,5 +1,6 @@
 #include "props/image_props.h"
 
+#include <array>
 #include <iterator>
 
 #include "base/byte_order.h"
@@ -85,7 +86,7 @@ Result ReadImagePropsBlock(CallerStream& input, ImagePropsBlock& block) {
   DEIMG_RETURN_IF_FAILED(ReadAt(input, heap + directory, word, 2));
   const std::uint32_t directoryBytes = LoadU16(word, block.bigEndian) * entry::kBytes + 2;
   if (directoryBytes >= kLargestDirectory) return DEIMG_PROPS_DIRECTORY_TOO_LARGE;
-  if (directoryBytes > heapLength - 4 - directory) return DEIMG_PROPS_UNREADABLE;
+  if (directoryBytes > heapLength - directory) return DEIMG_PROPS_UNREADABLE;
 
   const auto entries = BlockOf<std::uint8_t>::Uninitialised(directoryBytes);
   if (!entries) return DEIMG_PROPS_OUT_OF_MEMORY;
@@ -112,11 +113,11 @@ Result pxfPsReadOpenImageProps(const ImagePropsBlock& block, ImageProps& props) 
     return DEIMG_PROPS_UNREADABLE;
   }
   auto* const record = reinterpret_cast<std::uint8_t*>(&props);
-  for (const Slot& slot : kSlots) {
-    if (PropsRead(heap.get(), slot.tag, record + slot.offset, slot.size) != kPropsOk) {
-      return DEIMG_PROPS_UNREADABLE;
-    }
+  std::array<PropsSlot, std::size(kSlots)> slots{};
+  for (std::size_t i = 0; i < slots.size(); ++i) {
+    slots[i] = {kSlots[i].tag, record + kSlots[i].offset, kSlots[i].size};
   }
+  if (PropsRead(heap.get(), slots) != kPropsOk) return DEIMG_PROPS_UNREADABLE;
   return heap.Close() == kPropsOk ? DEIMG_OK : DEIMG_PROPS_UNREADABLE;
 }
 

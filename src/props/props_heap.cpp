@@ -12,9 +12,9 @@ namespace deimg {
 namespace {
 
 constexpr std::uint32_t kMagic = 0xBAB0ACBB;
-constexpr std::uint32_t kStructureSize = 20;
+constexpr std::uint32_t kStructureSize = 20;   // with 32-bit addresses
 constexpr int kDeepestSubHeap = 16;            // levels below the block
-constexpr std::uint32_t kMostEntries = 65536;  // looked at in the search of one property
+constexpr std::uint32_t kMostEntries = 65536;  // looked at until every property is found
 
 bool Valid(const PropsHeap* heap) {
   return heap != nullptr && heap->magic == kMagic && heap->structureSize == kStructureSize;
@@ -38,13 +38,13 @@ void CopyRecord(const PropsHeap& heap, std::uint16_t type, const std::uint8_t* s
       break;
     case entry::kType16:
       for (std::uint32_t i = 0; i + 2 <= bytes; i += 2) {
-        const std::uint16_t value = LoadU16(source + i, heap.bigEndian);
+        const std::uint16_t value = LoadU16(source + i, heap.bigEndian != 0);
         std::memcpy(slot + i, &value, sizeof(value));
       }
       break;
     case entry::kType32:
       for (std::uint32_t i = 0; i + 4 <= bytes; i += 4) {
-        const std::uint32_t value = LoadU32(source + i, heap.bigEndian);
+        const std::uint32_t value = LoadU32(source + i, heap.bigEndian != 0);
         std::memcpy(slot + i, &value, sizeof(value));
       }
       break;
@@ -53,58 +53,65 @@ void CopyRecord(const PropsHeap& heap, std::uint16_t type, const std::uint8_t* s
   }
 }
 
-/// The search for one property.
-class Search {
+/// A walk through a heap and its sub-heaps, in directory order, that takes the first record of
+/// every wanted tag.
+class Walk {
  public:
-  Search(std::uint16_t tag, void* destination, std::size_t slotSize)
-      : tag_(tag), slot_(static_cast<std::uint8_t*>(destination)), slotSize_(slotSize) {}
+  explicit Walk(std::span<PropsSlot> slots) : slots_(slots), missing_(slots.size()) {}
 
+  /// 0 once every slot is filled. A walk that is cut short ends with kPropsUnreadable.
   Result In(const PropsHeap* heap, int depth) {
     if (!Valid(heap)) return kPropsInvalidHandle;
-    if (heap->size < 6 || depth > kDeepestSubHeap) return kPropsUnreadable;
-    const std::uint32_t directory = LoadU32(heap->data + heap->size - 4, heap->bigEndian);
-    if (directory > heap->size - 6) return kPropsUnreadable;
-    const std::uint32_t count = LoadU16(heap->data + directory, heap->bigEndian);
-    if (count * entry::kBytes > heap->size - 4 - directory - 2) return kPropsUnreadable;
-    const std::uint8_t* at = heap->data + directory + 2;
-    for (std::uint32_t i = 0; i < count; ++i, at += entry::kBytes) {
-      const Result result = Look(*heap, at, depth);
-      if (result != kPropsNotFound) return result;
+    if (depth > kDeepestSubHeap || heap->size < kOffsetBytes) return kPropsUnreadable;
+    const std::uint32_t directory =
+        LoadU32(heap->data + heap->size - kOffsetBytes, heap->bigEndian != 0);
+    if (directory > heap->size - kCountBytes) return kPropsUnreadable;
+    const std::uint32_t count = LoadU16(heap->data + directory, heap->bigEndian != 0);
+    if (count * entry::kBytes > heap->size - directory - kCountBytes) return kPropsUnreadable;
+    const std::uint8_t* at = heap->data + directory + kCountBytes;
+    Result result = kPropsNotFound;
+    for (std::uint32_t i = 0; i < count && missing_ != 0; ++i, at += entry::kBytes) {
+      if (const Result looked = Look(*heap, at, depth); looked != kPropsNotFound) {
+        if (looked == kPropsUnreadable) return looked;
+        result = looked;
+      }
+    }
+    return missing_ == 0 ? Result{kPropsOk} : result;
+  }
+
+ private:
+  static constexpr std::uint32_t kOffsetBytes = 4;
+  static constexpr std::uint32_t kCountBytes = 2;
+
+  Result Look(const PropsHeap& heap, const std::uint8_t* at, int depth) {
+    if (++entriesSeen_ > kMostEntries) return kPropsUnreadable;
+    const std::uint16_t tag = LoadU16(at, heap.bigEndian != 0);
+    const std::uint32_t size = LoadU32(at + 2, heap.bigEndian != 0);
+    const std::uint32_t offset = LoadU32(at + 6, heap.bigEndian != 0);
+    const bool inside = offset <= heap.size && size <= heap.size - offset;
+    if (entry::IsSubHeap(tag)) {
+      if (!inside) return kPropsUnreadable;
+      // Without memory for the handle the walk goes on behind the sub-heap.
+      const PropsHandle sub(pxfPsPropsProlog(heap.bigEndian != 0, heap.data + offset, size));
+      return sub.get() == nullptr ? Result{COMPLIB_STG_E_INSUFFICIENTMEMORY}
+                                  : In(sub.get(), depth + 1);
+    }
+    for (PropsSlot& slot : slots_) {
+      if (slot.tag != tag || slot.filled) continue;
+      const bool inEntry = (tag & entry::kLocationMask) == entry::kInEntry;
+      if (!inEntry && !inside) return kPropsUnreadable;
+      const std::size_t length = inEntry ? 8 : size;
+      CopyRecord(heap, tag & entry::kTypeMask, inEntry ? at + 2 : heap.data + offset,
+                 static_cast<std::uint32_t>(std::min(length, slot.size)), slot.destination);
+      slot.filled = true;
+      --missing_;
+      break;
     }
     return kPropsNotFound;
   }
 
- private:
-  Result Look(const PropsHeap& heap, const std::uint8_t* at, int depth) {
-    if (++entriesSeen_ > kMostEntries) return kPropsUnreadable;
-    const std::uint16_t tag = LoadU16(at, heap.bigEndian);
-    const std::uint32_t size = LoadU32(at + 2, heap.bigEndian);
-    const std::uint32_t offset = LoadU32(at + 6, heap.bigEndian);
-    const bool inside = offset <= heap.size && size <= heap.size - offset;
-    if (entry::IsSubHeap(tag)) {
-      if (!inside) return kPropsUnreadable;
-      const PropsHandle sub(pxfPsPropsProlog(heap.bigEndian, heap.data + offset, size));
-      if (sub.get() == nullptr) return COMPLIB_STG_E_INSUFFICIENTMEMORY;
-      return In(sub.get(), depth + 1);
-    }
-    if (tag != tag_) return kPropsNotFound;
-    const std::uint16_t type = tag & entry::kTypeMask;
-    if ((tag & entry::kLocationMask) == entry::kInEntry) {
-      CopyRecord(heap, type, at + 2, Cut(8), slot_);
-      return kPropsOk;
-    }
-    if (!inside) return kPropsUnreadable;
-    CopyRecord(heap, type, heap.data + offset, Cut(size), slot_);
-    return kPropsOk;
-  }
-
-  std::uint32_t Cut(std::uint32_t size) const {
-    return static_cast<std::uint32_t>(std::min<std::size_t>(size, slotSize_));
-  }
-
-  const std::uint16_t tag_;
-  std::uint8_t* const slot_;
-  const std::size_t slotSize_;
+  const std::span<PropsSlot> slots_;
+  std::size_t missing_;
   std::uint32_t entriesSeen_ = 0;
 };
 
@@ -148,9 +155,8 @@ Result pxfPsReadOpenImagePropsFromMemory(const std::uint8_t* data, bool bigEndia
   return COMPLIB_STG_E_INSUFFICIENTMEMORY;
 }
 
-Result PropsRead(const PropsHeap* heap, std::uint16_t tag, void* destination,
-                 std::size_t slotSize) {
-  return Search(tag, destination, slotSize).In(heap, 0);
+Result PropsRead(const PropsHeap* heap, std::span<PropsSlot> slots) {
+  return Walk(slots).In(heap, 0);
 }
 
 }  // namespace deimg

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 
 #include "base/result.h"
 
@@ -42,10 +43,11 @@ constexpr bool IsSubHeap(std::uint16_t tag) {
 struct PropsHeap {
   std::uint32_t magic;
   std::uint32_t structureSize;
-  bool bigEndian;
+  std::uint32_t bigEndian;  // 1 or 0
   const std::uint8_t* data;
   std::uint32_t size;
 };
+static_assert(sizeof(void*) != 4 || sizeof(PropsHeap) == 20);
 
 /// Sole owner of a handle.
 class PropsHandle {
@@ -75,10 +77,22 @@ class PropsHandle {
 [[nodiscard]] Result pxfPsReadOpenImagePropsFromMemory(const std::uint8_t* data, bool bigEndian,
                                                        std::uint32_t size, PropsHandle* handle);
 
-/// Finds the first property with this tag, descending into sub-heaps in directory order, and
-/// copies it to `destination` in the machine's byte order, `slotSize` bytes at most.
-[[nodiscard]] Result PropsRead(const PropsHeap* heap, std::uint16_t tag, void* destination,
-                               std::size_t slotSize);
+/// A property that is looked for, and where it goes.
+struct PropsSlot {
+  std::uint16_t tag;
+  std::uint8_t* destination;
+  std::size_t size;
+  bool filled = false;
+};
+
+/// Finds the first property of each tag, descending into sub-heaps in directory order, and copies
+/// it to its slot in the machine's byte order, cut to the slot. One walk serves all slots.
+///
+/// @return 0 when every slot is filled. kPropsUnreadable when the walk met, before that, a sub-heap
+///         or record that leaves its heap, too many entries or too deep a heap; else
+///         kPropsNotFound, or COMPLIB_STG_E_INSUFFICIENTMEMORY when a sub-heap was passed over for
+///         want of memory.
+[[nodiscard]] Result PropsRead(const PropsHeap* heap, std::span<PropsSlot> slots);
 
 }  // namespace deimg
 

@@ -30,7 +30,7 @@ class SourceStreamReader final : public ComponentX {
     if (streamOpen_) (void)Close(plane_);
   }
 
-  /// Reading the plane may fail: with 3, or an error word of the stream.
+  /// Reading the plane may fail: with an error word of the stream, or 39 when it ends too early.
   [[nodiscard]] Result Run(int /*first*/, int /*last*/) override {
     const int top = PlaneLine(runFirst());
     const int bottom = PlaneLine(runLast());
@@ -66,9 +66,8 @@ class SourceStreamReader final : public ComponentX {
     DEIMG_RETURN_IF_FAILED(SeekTo(plane_, lineBytes * static_cast<std::uint32_t>(firstLine)));
     std::uint32_t delivered = 0;
     DEIMG_RETURN_IF_FAILED(Read(plane_, lineCache_.get(), bytes, delivered));
-    const std::uint32_t samples = bytes / 2;
-    std::fill_n(lineCache_.get() + delivered / 2, samples - delivered / 2, std::uint16_t{0});
-    ToLittleEndian(lineCache_.get(), samples);  // and back, which is the same
+    if (delivered < bytes) return DEIMG_FILE_READ;
+    ToLittleEndian(lineCache_.get(), bytes / 2);  // and back, which is the same
     cacheFirst_ = firstLine;
     cacheLast_ = lastLine;
     return DEIMG_OK;

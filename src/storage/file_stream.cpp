@@ -2,13 +2,13 @@
 
 #include <atomic>
 #include <cstdint>
-#include <cstring>
 
 namespace deimg {
 namespace {
 
 constexpr char kTemporaryPrefix[] = "_dv";
-constexpr int kNamesTried = 65536;  // every number a name can carry
+constexpr int kNamesTried = 65536;      // every number a name can carry
+constexpr std::size_t kPathSize = 256;  // with the terminating NUL
 
 // The only state of the process: names of two jobs must differ.
 std::atomic<std::uint32_t> temporaryNameCounter{0};
@@ -16,39 +16,31 @@ std::atomic<std::uint32_t> temporaryNameCounter{0};
 }  // namespace
 
 Result FileStreamState::Open(std::uint16_t mode) {
-  (void)Close();
-  handle = platform::OpenFile(path, ModeOf(mode), platform::AccessHint::kRandom);
+  isOpen = mode != DEIMG_OPEN_TRUNCATE || platform::EmptyFile(handle);
   return Seek(DEIMG_SEEK_BEGINNING, 0);
 }
 
 Result FileStreamState::Close() {
-  if (isOpen()) platform::CloseFile(handle);
-  handle = platform::kInvalidFile;
+  isOpen = false;
   return DEIMG_OK;
 }
 
 Result FileStreamState::Read(void* buffer, std::uint32_t& count) {
   const std::uint32_t wanted = count;
   count = 0;
-  if (!isOpen()) (void)Open(DEIMG_OPEN_READ);
-  if (!isOpen()) return DEIMG_FILE_NOT_OPEN;
+  if (!isOpen) DEIMG_RETURN_IF_FAILED(Open(DEIMG_OPEN_READ));
   return platform::ReadFile(handle, buffer, wanted, count) ? DEIMG_OK : DEIMG_FILE_READ;
 }
 
 Result FileStreamState::Write(const void* buffer, std::uint32_t& count) {
   const std::uint32_t wanted = count;
   count = 0;
-  if (!isOpen()) (void)Open(DEIMG_OPEN_TRUNCATE);
-  if (!isOpen()) return DEIMG_FILE_NOT_OPEN;
+  if (!isOpen) DEIMG_RETURN_IF_FAILED(Open(DEIMG_OPEN_TRUNCATE));
   return platform::WriteFile(handle, buffer, wanted, count) ? DEIMG_OK : DEIMG_FILE_WRITE;
 }
 
 Result FileStreamState::Seek(std::uint16_t origin, std::int32_t offset) {
-  if (!isOpen()) {
-    handle = platform::OpenFile(path, platform::FileMode::kUpdateExisting,
-                                platform::AccessHint::kSequential);
-  }
-  if (!isOpen()) return DEIMG_FILE_NOT_OPEN;
+  isOpen = true;  // a seek opens the stream too, and keeps what the file holds
   const auto from = origin == DEIMG_SEEK_CURRENT ? platform::SeekFrom::kCurrent
                     : origin == DEIMG_SEEK_END   ? platform::SeekFrom::kEnd
                                                  : platform::SeekFrom::kBeginning;
@@ -56,63 +48,37 @@ Result FileStreamState::Seek(std::uint16_t origin, std::int32_t offset) {
 }
 
 Result FileStreamState::Tell(std::uint32_t& position) const {
-  if (!isOpen()) return DEIMG_FILE_NOT_OPEN;
+  if (!isOpen) return DEIMG_FILE_NOT_OPEN;
   return platform::TellFile(handle, position) ? DEIMG_OK : DEIMG_FILE_TELL;
 }
 
-platform::FileMode FileStreamState::ModeOf(std::uint16_t mode) const {
-  using platform::FileMode;
-  switch (mode) {
-    case DEIMG_OPEN_UPDATE:
-      return mustExist ? FileMode::kUpdateExisting : FileMode::kUpdate;
-    case DEIMG_OPEN_TRUNCATE:
-      return mustExist ? FileMode::kTruncateExisting : FileMode::kTruncate;
-    default:
-      return FileMode::kRead;
-  }
-}
-
-FileStream FileStream::Make(const char* path) {
-  FileStream made;
-  const std::size_t length = std::strlen(path);
-  if (length >= FileStreamState::kPathSize) return made;
-  FileStreamState state{};
-  std::memcpy(state.path, path, length + 1);
-  state.handle = platform::kInvalidFile;
-  (void)made.WorkStream::Make(state);
-  return made;
-}
-
 Result FileStream::MakeTemporary(FileStream& made) {
+  FileStream stream;
+  if (!stream.Make({platform::kInvalidFile, false})) return DEIMG_NO_TEMPORARY_STREAM;
   for (int tried = 0; tried < kNamesTried; ++tried) {
-    char path[FileStreamState::kPathSize];
+    char path[kPathSize];
     if (!MakeTemporaryName(path, sizeof(path))) break;
-    FileStream stream = Make(path);
-    if (!stream) break;
-    const platform::CreateOutcome outcome = platform::CreateNewFile(path);
-    if (outcome == platform::CreateOutcome::kCreated) {
-      stream.state_->mustExist = true;
-      made = std::move(stream);
-      return DEIMG_OK;
+    switch (platform::CreateWorkFile(path, stream.state_->handle)) {
+      case platform::CreateOutcome::kCreated:
+        made = std::move(stream);
+        return DEIMG_OK;
+      case platform::CreateOutcome::kFailed:
+        return DEIMG_FILE_NOT_OPEN;
+      case platform::CreateOutcome::kNameTaken:
+        break;
     }
-    // Not ours: releasing the stream must not delete it.
-    stream.stream_.Reset();
-    if (outcome == platform::CreateOutcome::kFailed) return DEIMG_FILE_NOT_OPEN;
   }
   return DEIMG_NO_TEMPORARY_STREAM;
 }
 
 void FileStream::Release() {
-  if (stream_) {
-    (void)state_->Close();
-    platform::DeleteFile(state_->path);
-  }
+  if (state_ && state_->handle != platform::kInvalidFile) platform::CloseFile(state_->handle);
   state_.Reset();
   stream_.Reset();
 }
 
 bool MakeTemporaryName(char* buffer, std::size_t size) {
-  char directory[FileStreamState::kPathSize];
+  char directory[kPathSize];
   if (!platform::TemporaryDirectory(directory, sizeof(directory))) return false;
   for (int tried = 0; tried < kNamesTried; ++tried) {
     const std::uint32_t unique = ++temporaryNameCounter;

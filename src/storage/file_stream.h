@@ -1,4 +1,4 @@
-/// A work stream over a named file, and the temporary files made with it.
+/// A work stream over a temporary file.
 #ifndef DEIMG_STORAGE_FILE_STREAM_H
 #define DEIMG_STORAGE_FILE_STREAM_H
 
@@ -9,39 +9,29 @@
 
 namespace deimg {
 
-/// Error words of the operations: 35 no file open, 37 seek, 38 tell, 39 read, 40 write.
+/// Error words of the operations: 35 no file open, 37 seek, 38 tell, 39 read, 40 write. The file is
+/// opened once, when it is made; Open() and Close() only say whether the stream is in use.
 struct FileStreamState {
-  static constexpr std::size_t kPathSize = 256;  // with the terminating NUL
-
-  char path[kPathSize];
   platform::FileHandle handle;
-  bool mustExist;  // a temporary file is created once, exclusively, and never again
+  bool isOpen;
 
-  /// The seek to the beginning decides the result: it opens the existing file by itself when the
-  /// open proper failed.
+  /// Rewinds; mode 3 empties the file.
   Result Open(std::uint16_t mode);
   Result Close();
-  /// Both open a file that is not open: an existing one to read, an emptied one to write.
+  /// Both open a stream that is not open: to read as it is, to write emptied.
   Result Read(void* buffer, std::uint32_t& count);
   Result Write(const void* buffer, std::uint32_t& count);
   Result Seek(std::uint16_t origin, std::int32_t offset);
   Result Tell(std::uint32_t& position) const;
-
- private:
-  bool isOpen() const { return handle != platform::kInvalidFile; }
-  platform::FileMode ModeOf(std::uint16_t mode) const;
 };
 
-/// Owner of a file-backed stream. Releasing it closes the file and deletes it.
+/// Owner of a file-backed stream. Releasing it closes the file, which is gone then.
 class FileStream : public WorkStream<FileStreamState> {
  public:
   FileStream() = default;
   FileStream(FileStream&&) = default;
   FileStream& operator=(FileStream&&) = default;
   ~FileStream() { Release(); }
-
-  /// A stream on `path` with no file open yet; empty when memory is short or the path too long.
-  [[nodiscard]] static FileStream Make(const char* path);
 
   /// Makes a stream on a new, empty temporary file that nobody else can share, read or redirect.
   ///
@@ -50,14 +40,13 @@ class FileStream : public WorkStream<FileStreamState> {
   ///         DEIMG_FILE_NOT_OPEN when the file cannot be created.
   [[nodiscard]] static Result MakeTemporary(FileStream& made);
 
-  const char* path() const { return state_->path; }
-
-  /// Closes and deletes the file and gives everything back. Nothing happens on an empty stream.
+  /// Closes the file and gives everything back. Nothing happens on an empty stream.
   void Release();
 };
 
 /// Fills `buffer` with the path of a file in the temporary directory that does not exist yet, named
-/// "_dv" and a number counted per process. False after 65,536 names that exist.
+/// "_dv" and a number counted per process; a path has at most 255 characters. False after 65,536
+/// names that exist.
 [[nodiscard]] bool MakeTemporaryName(char* buffer, std::size_t size);
 
 }  // namespace deimg

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <utility>
 
 #include "platform/platform.h"
 
@@ -70,6 +71,7 @@ std::int64_t FaultScope::Allocations() { return counters.allocations; }
 std::int64_t FaultScope::Live() { return counters.live; }
 std::size_t FaultScope::LargestRequest() { return counters.largest; }
 std::size_t FaultScope::PeakBytes() { return counters.peakBytes; }
+std::size_t FaultScope::TakePeak() { return std::exchange(counters.peakBytes, counters.bytes); }
 
 }  // namespace testing
 }  // namespace deimg

@@ -27,8 +27,9 @@ class FaultScope {
   static std::int64_t Allocations();
   static std::int64_t Live();
   static std::size_t LargestRequest();
-  /// The most bytes that were held at a time since the scope began.
+  /// The most bytes that were held at a time since the scope began, or since the last TakePeak().
   static std::size_t PeakBytes();
+  static std::size_t TakePeak();
 };
 
 }  // namespace deimg::testing

@@ -69,8 +69,8 @@ namespace {
 
 std::string SystemText(DWORD error) {
   char text[256] = "";
-  FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, error, 0,
-                 text, sizeof(text), nullptr);
+  FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, error,
+                 MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT), text, sizeof(text), nullptr);
   return text;
 }
 
@@ -93,12 +93,27 @@ void RefusedReleaseShowsOneBox() {
   CHECK(box.type == (MB_OK | MB_ICONINFORMATION));
 }
 
-void TemporaryFileIsMadeOnceAndDeleted() {
+/// The only "_dv" file in the temporary directory; empty when there is none.
+std::string OnlyWorkFile() {
+  char directory[MAX_PATH];
+  CHECK(platform::TemporaryDirectory(directory, sizeof(directory)));
+  WIN32_FIND_DATAA found;
+  const HANDLE search = FindFirstFileA((std::string(directory) + "_dv*").c_str(), &found);
+  if (search == INVALID_HANDLE_VALUE) return {};
+  FindClose(search);
+  return directory + std::string(found.cFileName);
+}
+
+void WorkFileIsNobodyElses() {
   FileStream stream;
   CHECK(FileStream::MakeTemporary(stream) == DEIMG_OK);
-  const std::string path = stream.path();
+  const std::string path = OnlyWorkFile();
   CHECK(path.find("\\_dv") != std::string::npos);
-  CHECK(platform::CreateNewFile(path.c_str()) == platform::CreateOutcome::kNameTaken);
+  platform::FileHandle other = platform::kInvalidFile;
+  CHECK(platform::CreateWorkFile(path.c_str(), other) == platform::CreateOutcome::kNameTaken);
+  const std::FILE* const opened = std::fopen(path.c_str(), "r+b");
+  CHECK(opened == nullptr);
+  CHECK(DeleteFileA(path.c_str()) == FALSE);
 
   CallerStream& s = *stream.get();
   std::uint32_t position = 0;
@@ -112,39 +127,27 @@ void TemporaryFileIsMadeOnceAndDeleted() {
   CHECK(Seek(s, DEIMG_SEEK_END, 0) == DEIMG_OK);
   CHECK(Tell(s, position) == DEIMG_OK && position == 5);
   CHECK(Open(s, DEIMG_OPEN_READ) == DEIMG_OK);
-  CHECK(Write(s, "x", 1) == DEIMG_FILE_WRITE);
   CHECK(Read(s, read, 8, position) == DEIMG_OK && position == 5);
   CHECK(std::strcmp(read, "Jello") == 0);
   CHECK(Open(s, DEIMG_OPEN_TRUNCATE) == DEIMG_OK);
   CHECK(Seek(s, DEIMG_SEEK_END, 0) == DEIMG_OK);
   CHECK(Tell(s, position) == DEIMG_OK && position == 0);
-
   CHECK(Close(s) == DEIMG_OK);
-  platform::DeleteFile(path.c_str());
-  CHECK(Open(s, DEIMG_OPEN_TRUNCATE) == DEIMG_FILE_NOT_OPEN);  // never made anew
-  CHECK(!platform::FileExists(path.c_str()));
-
-  FileStream second;
-  CHECK(FileStream::MakeTemporary(second) == DEIMG_OK);
-  const std::string secondPath = second.path();
-  CHECK(secondPath != path);
-  CHECK(Open(*second.get(), DEIMG_OPEN_UPDATE) == DEIMG_OK);
-  second.Release();
-  CHECK(!platform::FileExists(secondPath.c_str()));
+  stream.Release();
+  CHECK(OnlyWorkFile().empty());
 }
 
 void NamesAreMadeWithoutFiles() {
   char directory[MAX_PATH], path[MAX_PATH];
   CHECK(platform::TemporaryDirectory(directory, sizeof(directory)));
   CHECK(!platform::TemporaryDirectory(path, 3));
-  for (const std::uint32_t unique : {1u, 0x10000u}) {
+  for (const std::uint32_t unique : {1u, 0x1Au, 0x10000u}) {
     CHECK(platform::TemporaryFileName(directory, "_dv", unique, path, sizeof(path)));
     CHECK(!platform::FileExists(path));
+    const char* const number = std::strstr(path, "_dv") + 3;
+    CHECK(std::strtoul(number, nullptr, 16) == (unique & 0xFFFF));
   }
   CHECK(!platform::TemporaryFileName(directory, "_dv", 1, path, 8));
-  // Only plain files are opened.
-  CHECK(platform::OpenFile(directory, platform::FileMode::kRead, platform::AccessHint::kRandom) ==
-        platform::kInvalidFile);
 }
 
 }  // namespace
@@ -152,7 +155,7 @@ void NamesAreMadeWithoutFiles() {
 
 int main() {
   deimg::RefusedReleaseShowsOneBox();
-  deimg::TemporaryFileIsMadeOnceAndDeleted();
+  deimg::WorkFileIsNobodyElses();
   deimg::NamesAreMadeWithoutFiles();
   std::printf("platform: %d failures\n", failures);
   return failures != 0;

@@ -1,40 +1,17 @@
 #include <fcntl.h>
+#include <pthread.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 
 #include "platform/platform.h"
 
 namespace deimg::platform {
 namespace {
-
-constexpr mode_t kOwnerOnly = S_IRUSR | S_IWUSR;
-constexpr int kAlways = O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
-
-int Flags(FileMode mode) {
-  switch (mode) {
-    case FileMode::kRead:
-      return O_RDONLY;
-    case FileMode::kUpdate:
-      return O_RDWR | O_CREAT;
-    case FileMode::kUpdateExisting:
-      return O_RDWR;
-    case FileMode::kTruncate:
-      return O_RDWR | O_CREAT;
-    case FileMode::kTruncateExisting:
-      return O_RDWR;
-  }
-  return O_RDONLY;
-}
-
-bool Empties(FileMode mode) {
-  return mode == FileMode::kTruncate || mode == FileMode::kTruncateExisting;
-}
 
 template <typename Call>
 auto Retried(Call call) {
@@ -45,29 +22,50 @@ auto Retried(Call call) {
 
 int Descriptor(FileHandle file) { return static_cast<int>(file); }
 
+/// Keeps the signal of the file size limit from the process while it lives: it is blocked on this
+/// thread, and taken away when a write brought it about.
+class FileSizeSignal {
+ public:
+  FileSizeSignal() {
+    sigemptyset(&set_);
+    sigaddset(&set_, SIGXFSZ);
+    pthread_sigmask(SIG_BLOCK, &set_, &before_);
+    wasPending_ = IsPending();
+  }
+  FileSizeSignal(const FileSizeSignal&) = delete;
+  FileSizeSignal& operator=(const FileSizeSignal&) = delete;
+  ~FileSizeSignal() {
+    int taken = 0;
+    if (!wasPending_ && IsPending()) sigwait(&set_, &taken);
+    pthread_sigmask(SIG_SETMASK, &before_, nullptr);
+  }
+
+ private:
+  static bool IsPending() {
+    sigset_t pending;
+    return sigpending(&pending) == 0 && sigismember(&pending, SIGXFSZ) == 1;
+  }
+
+  sigset_t set_{};
+  sigset_t before_{};
+  bool wasPending_ = false;
+};
+
 }  // namespace
 
-FileHandle OpenFile(const char* path, FileMode mode, AccessHint hint) noexcept {
-  const int fd = Retried([&] { return open(path, Flags(mode) | kAlways, kOwnerOnly); });
-  if (fd < 0) return kInvalidFile;
-  // Emptied only once it is known to be a plain file of this user.
-  struct stat status {};
-  if (fstat(fd, &status) != 0 || !S_ISREG(status.st_mode) || status.st_uid != geteuid() ||
-      (Empties(mode) && ftruncate(fd, 0) != 0)) {
-    close(fd);
-    return kInvalidFile;
-  }
-  (void)posix_fadvise(fd, 0, 0,
-                      hint == AccessHint::kRandom ? POSIX_FADV_RANDOM : POSIX_FADV_SEQUENTIAL);
-  return fd;
+CreateOutcome CreateWorkFile(const char* path, FileHandle& file) noexcept {
+  constexpr mode_t kOwnerOnly = S_IRUSR | S_IWUSR;
+  const int fd = Retried(
+      [&] { return open(path, O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, kOwnerOnly); });
+  if (fd < 0) return errno == EEXIST ? CreateOutcome::kNameTaken : CreateOutcome::kFailed;
+  unlink(path);
+  (void)posix_fadvise(fd, 0, 0, POSIX_FADV_RANDOM);
+  file = fd;
+  return CreateOutcome::kCreated;
 }
 
-CreateOutcome CreateNewFile(const char* path) noexcept {
-  const int fd =
-      Retried([&] { return open(path, O_RDWR | O_CREAT | O_EXCL | kAlways, kOwnerOnly); });
-  if (fd < 0) return errno == EEXIST ? CreateOutcome::kNameTaken : CreateOutcome::kFailed;
-  close(fd);
-  return CreateOutcome::kCreated;
+bool EmptyFile(FileHandle file) noexcept {
+  return Retried([&] { return ftruncate(Descriptor(file), 0); }) == 0;
 }
 
 bool ReadFile(FileHandle file, void* buffer, std::uint32_t bytes,
@@ -87,6 +85,7 @@ bool ReadFile(FileHandle file, void* buffer, std::uint32_t bytes,
 bool WriteFile(FileHandle file, const void* buffer, std::uint32_t bytes,
                std::uint32_t& transferred) noexcept {
   transferred = 0;
+  const FileSizeSignal withheld;
   while (transferred < bytes) {
     const ssize_t n = Retried([&] {
       return write(Descriptor(file), static_cast<const char*>(buffer) + transferred,
@@ -113,8 +112,6 @@ bool TellFile(FileHandle file, std::uint32_t& position) noexcept {
 }
 
 void CloseFile(FileHandle file) noexcept { close(Descriptor(file)); }
-
-void DeleteFile(const char* path) noexcept { unlink(path); }
 
 bool TemporaryDirectory(char* buffer, std::size_t size) noexcept {
   const char* directory = std::getenv("TMPDIR");

@@ -1,4 +1,5 @@
 #include <sys/mman.h>
+#include <unistd.h>
 
 #include <cstdint>
 #include <cstdlib>
@@ -8,30 +9,43 @@
 namespace deimg::platform {
 namespace {
 
-#ifdef MADV_HUGEPAGE
+/// Large blocks are mappings of their own: huge pages can be asked for them without changing
+/// anything about the host's heap, and they are gone from the process when they are given back. The
+/// first touch of a sensor plane in small pages costs a tenth of a job.
 constexpr std::size_t kLargeBlock = 2u << 20;
-constexpr std::size_t kPage = 4096;
 
-/// Asks for huge pages: the first touch of a sensor plane in small pages costs a tenth of a job.
-void AdviseHugePages(void* allocation, std::size_t bytes) noexcept {
-  const std::size_t before = (kPage - reinterpret_cast<std::uintptr_t>(allocation) % kPage) % kPage;
-  const std::size_t pages = (bytes - before) / kPage;
-  (void)madvise(static_cast<std::uint8_t*>(allocation) + before, pages * kPage, MADV_HUGEPAGE);
-}
+/// In front of every allocation.
+struct alignas(16) Header {
+  std::size_t mappedBytes;  // 0: from the C library's heap
+};
+
+void* Map(std::size_t bytes) noexcept {
+  void* const mapping =
+      mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  if (mapping == MAP_FAILED) return nullptr;
+#ifdef MADV_HUGEPAGE
+  (void)madvise(mapping, bytes, MADV_HUGEPAGE);
 #endif
+  return mapping;
+}
 
 }  // namespace
 
 void* HeapAllocate(std::size_t bytes, bool zeroed) noexcept {
-  void* const allocation = zeroed ? std::calloc(1, bytes) : std::malloc(bytes);
-#ifdef MADV_HUGEPAGE
-  if (allocation != nullptr && bytes >= kLargeBlock) AdviseHugePages(allocation, bytes);
-#endif
-  return allocation;
+  if (bytes > SIZE_MAX / 2) return nullptr;
+  const std::size_t all = bytes + sizeof(Header);
+  const bool large = bytes >= kLargeBlock;
+  void* const made = large ? Map(all) : zeroed ? std::calloc(1, all) : std::malloc(all);
+  if (made == nullptr) return nullptr;
+  auto* const header = static_cast<Header*>(made);
+  header->mappedBytes = large ? all : 0;
+  return header + 1;
 }
 
 bool HeapRelease(void* allocation) noexcept {
-  std::free(allocation);
+  auto* const header = static_cast<Header*>(allocation) - 1;
+  if (header->mappedBytes != 0) return munmap(header, header->mappedBytes) == 0;
+  std::free(header);
   return true;
 }
 

@@ -10,7 +10,8 @@ void LastErrorText(char* buffer, std::size_t size) noexcept {
   char* text = nullptr;
   const DWORD length = FormatMessageA(
       FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
-      nullptr, GetLastError(), 0, reinterpret_cast<char*>(&text), 0, nullptr);
+      nullptr, GetLastError(), MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT),
+      reinterpret_cast<char*>(&text), 0, nullptr);
   std::snprintf(buffer, size, "%s", length != 0 ? text : "");
   LocalFree(text);
 }
