@@ -5,6 +5,7 @@
 #include <map>
 #include <set>
 
+#include "base/byte_order.h"
 #include "graph/component.h"
 #include "graph/stage.h"
 #include "pipeline/connections.h"
@@ -157,6 +158,7 @@ TEST(SourceStreamReader, ServesAndRepeatsLines) {
     Job job(8, height);
     auto* const raw = reinterpret_cast<std::uint16_t*>(job.plane.memory());
     for (int i = 0; i < 8 * height; ++i) raw[i] = static_cast<std::uint16_t>(i / 8 * 300);
+    ToLittleEndian(raw, static_cast<std::size_t>(8 * height));
     const GraphOwner graph = job.Graph();
     ComponentX& source = *graph->Find(TypeId::kSourceStreamReader);
     source.ComputeContext(8);
@@ -188,7 +190,9 @@ TEST(ProcessingGraph, NarrowAndWideMosaicsGiveTheSamePicture) {
     job.tuning = TuningBlock::Load(props.tuningBlock);
     const auto gain = static_cast<std::int32_t>(seed * seed * 80);
     job.settings.wbGains = {gain, 1024, 32767 - gain, 1500};
-    std::memcpy(job.plane.memory(), camera.plane.samples.data(), 2 * camera.plane.samples.size());
+    std::vector<std::uint16_t> raw = camera.plane.samples;
+    ToLittleEndian(raw.data(), raw.size());
+    std::memcpy(job.plane.memory(), raw.data(), 2 * raw.size());
     const auto lines = [&](bool narrow) {
       testing::OutputStream output(DEIMG_PROGRESS_NEVER);
       EXPECT_EQ(job.Graph(narrow)->Run(*output.get(), DEIMG_OK), DEIMG_OK);

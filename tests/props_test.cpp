@@ -1,6 +1,8 @@
 // The property heap, the fourteen properties and the diagnostics.
 #include <gtest/gtest.h>
 
+#include <array>
+#include <bit>
 #include <cstring>
 #include <functional>
 
@@ -46,22 +48,34 @@ TEST(PropsHeap, FindsDepthFirstInDirectoryOrder) {
   EXPECT_EQ(ReadFrom(heap, 0x3001, slot), kPropsNotFound);  // a sub-heap is never a property
 }
 
+/// Values come out in the machine's byte order, whatever the file's.
 TEST(PropsHeap, CopiesByTypeOrderAndSize) {
   Heap heap;
   heap.Add(0x1001, {0x12, 0x34, 0x56, 0x78, 0x9A});
   heap.Add(0x1802, {0x01, 0x02, 0x03, 0x04, 0x05, 0x06, 0x07, 0x08});
   heap.AddInEntry(0x5803, {0, 0, 0, 1, 0, 0, 0, 2});
-  std::vector<std::uint8_t> slot(6, 0xEE);
-  ASSERT_EQ(ReadFrom(heap, 0x1001, slot, ByteOrder::kBig), kPropsOk);
-  EXPECT_EQ(slot, (std::vector<std::uint8_t>{0x34, 0x12, 0x78, 0x56, 0xEE, 0xEE}));
-  ASSERT_EQ(ReadFrom(heap, 0x1001, slot), kPropsOk);
-  EXPECT_EQ(slot, (std::vector<std::uint8_t>{0x12, 0x34, 0x56, 0x78, 0xEE, 0xEE}));
-  slot.assign(4, 0xEE);
-  ASSERT_EQ(ReadFrom(heap, 0x1802, slot, ByteOrder::kBig), kPropsOk);  // cut to the slot
-  EXPECT_EQ(slot, (std::vector<std::uint8_t>{4, 3, 2, 1}));
-  slot.assign(8, 0xEE);
-  ASSERT_EQ(ReadFrom(heap, 0x5803, slot, ByteOrder::kBig), kPropsOk);
-  EXPECT_EQ(slot, (std::vector<std::uint8_t>{1, 0, 0, 0, 2, 0, 0, 0}));
+  std::vector<std::uint8_t> slot;
+  const auto read = [&](std::uint16_t tag, std::size_t size, ByteOrder order) {
+    slot.assign(size, 0xEE);
+    ASSERT_EQ(ReadFrom(heap, tag, slot, order), kPropsOk);
+  };
+  const auto at16 = [&](std::size_t i) {
+    return std::bit_cast<std::uint16_t>(std::array{slot[i], slot[i + 1]});
+  };
+  const auto at32 = [&](std::size_t i) {
+    return std::bit_cast<std::uint32_t>(std::array{slot[i], slot[i + 1], slot[i + 2], slot[i + 3]});
+  };
+  read(0x1001, 6, ByteOrder::kBig);
+  EXPECT_EQ(at16(0), 0x1234);
+  EXPECT_EQ(at16(2), 0x5678);
+  EXPECT_EQ(at16(4), 0xEEEE) << "half a value is left out";
+  read(0x1001, 6, ByteOrder::kLittle);
+  EXPECT_EQ(at16(0), 0x3412);
+  read(0x1802, 4, ByteOrder::kBig);  // cut to the slot
+  EXPECT_EQ(at32(0), 0x01020304u);
+  read(0x5803, 8, ByteOrder::kBig);
+  EXPECT_EQ(at32(0), 1u);
+  EXPECT_EQ(at32(4), 2u);
 }
 
 TEST(PropsHeap, RefusesWhatLeavesIt) {

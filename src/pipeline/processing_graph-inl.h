@@ -37,7 +37,7 @@ class Graph final : public ProcessingGraph {
         lastStage_(context_, outputSampleBytes, colorSystem_, yMain_) {}
 
  private:
-  std::span<ComponentX* const> components() const override { return components_; }
+  ComponentX& last() override { return lastStage_; }
   Result Deliver(CallerStream& output) override { return lastStage_.Deliver(output); }
 
   const StageContext context_;
@@ -61,11 +61,6 @@ class Graph final : public ProcessingGraph {
   AApcProcs aApc_;
   YMainProcs yMain_;
   LastStageRgb lastStage_;
-  ComponentX* const components_[20] = {
-      &source_,         &whiteBalance_, &hokanVH_, &vhDiff_, &hokanCircuit_, &medianCrCb_, &matrix_,
-      &chromaSuppress_, &colorSystem_,  &verLpf_,  &horLpf_, &hokanLpf_,     &aFilter_,    &ramen_,
-      &yMain_,          &hApc_,         &rApc_,    &vApc_,   &aApc_,         &lastStage_,
-  };
 };
 
 }  // namespace deimg::DEIMG_LEVEL

@@ -5,17 +5,20 @@ namespace {
 
 constexpr int kLeastBetweenReports = 12;  // percent
 
-}  // namespace
-
-ComponentX* ProcessingGraph::Find(TypeId typeId) const {
-  for (ComponentX* component : components()) {
-    if (component->typeId() == typeId) return component;
+ComponentX* FindIn(ComponentX& component, TypeId typeId) {
+  if (component.typeId() == typeId) return &component;
+  for (ComponentX* input : component.inputs()) {
+    if (ComponentX* const found = FindIn(*input, typeId)) return found;
   }
   return nullptr;
 }
 
+}  // namespace
+
+ComponentX* ProcessingGraph::Find(TypeId typeId) { return FindIn(last(), typeId); }
+
 Result ProcessingGraph::Run(CallerStream& output, Result status) {
-  ComponentX& last = *components().back();
+  ComponentX& lastStage = last();
   const int firstLine = geometry_.areaTop;
   const int lastLine = firstLine + geometry_.areaHeight - 1;
   // The host may change its mind about reports at any call.
@@ -28,7 +31,7 @@ Result ProcessingGraph::Run(CallerStream& output, Result status) {
 
   output.Open(output.cookie, DEIMG_OPEN_TRUNCATE, &status);
   if (status != DEIMG_OK) return status;
-  DEIMG_RETURN_IF_FAILED(last.Start(firstLine));
+  DEIMG_RETURN_IF_FAILED(lastStage.Start(firstLine));
   DEIMG_RETURN_IF_FAILED(Deliver(output));
   int lastReported = 0;
   for (int line = firstLine + 1; line <= lastLine; ++line) {
@@ -38,7 +41,7 @@ Result ProcessingGraph::Run(CallerStream& output, Result status) {
       DEIMG_RETURN_IF_FAILED(report(percent));
       lastReported = percent;
     }
-    DEIMG_RETURN_IF_FAILED(last.Advance(line));
+    DEIMG_RETURN_IF_FAILED(lastStage.Advance(line));
     DEIMG_RETURN_IF_FAILED(Deliver(output));
   }
   if (output.progressMode != DEIMG_PROGRESS_NEVER) DEIMG_RETURN_IF_FAILED(report(100));

@@ -3,7 +3,6 @@
 #define DEIMG_PIPELINE_PROCESSING_GRAPH_H
 
 #include <memory>
-#include <span>
 
 #include "base/result.h"
 #include "stages/component_table.h"
@@ -25,14 +24,14 @@ class ProcessingGraph {
   [[nodiscard]] Result Run(CallerStream& output, Result status);
 
   /// The component of a type; null when the graph has none.
-  [[nodiscard]] ComponentX* Find(TypeId typeId) const;
+  [[nodiscard]] ComponentX* Find(TypeId typeId);
 
  protected:
   explicit ProcessingGraph(const ImageGeometry& geometry) : geometry_(geometry) {}
 
  private:
-  /// The components in the order of the component table; the last one delivers.
-  [[nodiscard]] virtual std::span<ComponentX* const> components() const = 0;
+  /// The component that delivers; everything else is read by it, directly or not.
+  [[nodiscard]] virtual ComponentX& last() = 0;
   /// Hands the last component's current line to the output.
   [[nodiscard]] virtual Result Deliver(CallerStream& output) = 0;
 

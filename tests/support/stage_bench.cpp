@@ -6,6 +6,8 @@
 #include <bit>
 #include <cstring>
 
+#include "base/byte_order.h"
+
 #if defined(__SANITIZE_ADDRESS__)
 #define DEIMG_POISON
 #elif defined(__has_feature)
@@ -55,6 +57,7 @@ StageBench::StageBench(int width, unsigned seed) : random(seed) {
   for (int i = 0; i < width * kHeight; ++i) {
     raw[i] = static_cast<std::uint16_t>(Random(0, 9) == 0 ? 65535 : Random(0, 4095));
   }
+  ToLittleEndian(raw, static_cast<std::size_t>(width * kHeight));
 }
 
 void StageBench::Randomise(bool hostile) {
@@ -214,8 +217,11 @@ Samples StageBench::Line(const ComponentX& component, int port, int offset) cons
     return copy(component.GetLine<std::uint16_t>(offset, port));
   }
   if (component.typeId() == TypeId::kLastStageRgb) {
-    return component.sampleBytes() == 1 ? copy(component.GetLine<std::uint8_t>(offset, port))
-                                        : copy(component.GetLine<std::uint16_t>(offset, port));
+    if (component.sampleBytes() == 1) return copy(component.GetLine<std::uint8_t>(offset, port));
+    const auto* const line = component.GetLine<std::uint16_t>(offset, port);
+    std::vector<std::uint16_t> rgb(line, line + width);
+    ToLittleEndian(rgb.data(), rgb.size());  // and back, which is the same
+    return copy(rgb.data());
   }
   return IsNarrow(component) ? copy(component.GetLine<NarrowSample>(offset, port))
                              : copy(component.GetLine(offset, port));

@@ -1,0 +1,2 @@
+set(CMAKE_SYSTEM_PROCESSOR riscv64)
+include(${CMAKE_CURRENT_LIST_DIR}/linux-cross.cmake)
