@@ -7,6 +7,7 @@
 #include <optional>
 #include <thread>
 
+#include "help_formatter.hpp"
 #include "interrupt.hpp"
 
 namespace deimg::cli {
@@ -107,20 +108,21 @@ class Queue {
 BatchOptions::BatchOptions() : jobs(std::max(1U, std::thread::hardware_concurrency())) {}
 
 void BatchOptions::AddTo(CLI::App& command) {
+  command.option_defaults()->group("Options");
   command.add_option("-j,--jobs", jobs, "Files to work on at once (default: one per core)")
       ->type_name("N")
       ->check(CLI::Range(1U, kMostJobs).description(""));
-  const std::map<std::string, ProgressStyle> styles = {
-      {"none", ProgressStyle::kNone}, {"bar", ProgressStyle::kBar}, {"json", ProgressStyle::kJson}};
   command
       .add_option_function<std::string>(
           "--progress",
-          [this, styles](const std::string& name) {
-            const auto style = styles.find(name);
+          [this](const std::string& name) {
+            const auto& styles = ProgressStyles();
+            const auto style = std::ranges::find(styles, name, &ProgressStyle::name);
             if (style == styles.end()) {
-              throw CLI::ValidationError("--progress", "choose none, bar or json");
+              throw CLI::ValidationError("--progress",
+                                         "choose " + Choices(styles, &ProgressStyle::name));
             }
-            progress = style->second;
+            makeDisplay = style->make;
           },
           "What to show on standard error: none, bar, or json (one object a line). Default: a bar "
           "on a terminal, one line a file otherwise")
@@ -129,7 +131,7 @@ void BatchOptions::AddTo(CLI::App& command) {
 
 ExitStatus RunBatch(const std::vector<Job>& jobs, const BatchOptions& options,
                     const std::string& verb, const Work& work) {
-  const std::unique_ptr<ProgressDisplay> display = MakeDisplay(options.progress, verb);
+  const std::unique_ptr<ProgressDisplay> display = options.makeDisplay(verb);
   Queue queue(jobs, work, *display);
   const Clock::time_point begin = Clock::now();
   display->Start(jobs.size());

@@ -16,7 +16,7 @@ enum ExitStatus { kAllWell = 0, kUsage = 1, kSomeFailed = 2, kAllFailed = 3 };
 /// How to go through the files: the options that every command with files to work on shares.
 struct BatchOptions {
   unsigned jobs = 1;  ///< files at once
-  ProgressStyle progress = ProgressStyle::kAutomatic;
+  DisplayMaker* makeDisplay = MakeUsualDisplay;
 
   BatchOptions();  ///< as many files at once as there are cores
   void AddTo(CLI::App& command);

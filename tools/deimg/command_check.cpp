@@ -1,5 +1,3 @@
-#include <memory>
-
 #include "batch.hpp"
 #include "commands.hpp"
 #include "failure.hpp"
@@ -44,16 +42,15 @@ struct CheckCommand {
 }  // namespace
 
 void AddCheckCommand(CLI::App& program, Action& action) {
-  CLI::App& command = *program.add_subcommand(
-      "check", "Decode and develop raw files without writing anything, and say what is wrong");
-  const auto state = std::make_shared<CheckCommand>();
-  AddFiles(command, state->files);
-  state->batch.AddTo(command);
+  const auto [command, state] = AddCommand<CheckCommand>(
+      program, action, "check",
+      "Decode and develop raw files without writing anything, and say what is wrong");
+  AddFiles(command, state.files);
+  state.batch.AddTo(command);
   command.footer(
       "Examples:\n"
       "  deimg check archive/*.raw\n"
       "  find archive -name '*.raw' -print0 | xargs -0 deimg check --progress none");
-  command.callback([state, &action] { action = [state] { return state->Run(); }; });
 }
 
 }  // namespace deimg::cli

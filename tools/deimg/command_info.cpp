@@ -1,5 +1,4 @@
 #include <cstdio>
-#include <memory>
 
 #include "batch.hpp"
 #include "commands.hpp"
@@ -48,15 +47,14 @@ struct InfoCommand {
 }  // namespace
 
 void AddInfoCommand(CLI::App& program, Action& action) {
-  CLI::App& command = *program.add_subcommand("info", "Print what raw files record");
-  const auto state = std::make_shared<InfoCommand>();
-  AddFiles(command, state->files);
-  command.add_flag("--json", state->json, "One JSON array with an object for every file");
+  const auto [command, state] =
+      AddCommand<InfoCommand>(program, action, "info", "Print what raw files record");
+  AddFiles(command, state.files);
+  command.add_flag("--json", state.json, "One JSON array with an object for every file");
   command.footer(
       "Examples:\n"
       "  deimg info photo.raw\n"
       "  deimg info --json *.raw | jq '.[] | {file, sensitivity}'");
-  command.callback([state, &action] { action = [state] { return state->Run(); }; });
 }
 
 }  // namespace deimg::cli

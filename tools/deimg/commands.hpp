@@ -4,7 +4,9 @@
 
 #include <CLI/CLI.hpp>
 #include <functional>
+#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace deimg::cli {
@@ -21,6 +23,16 @@ void AddInfoCommand(CLI::App& program, Action& action);
 void AddCheckCommand(CLI::App& program, Action& action);
 void AddVersionCommand(CLI::App& program, Action& action);
 void AddHelpCommand(CLI::App& program, Action& action);
+
+/// Adds a command that runs a `State`, which the command's options are to fill.
+template <class State>
+std::pair<CLI::App&, State&> AddCommand(CLI::App& program, Action& action, const char* name,
+                                        const char* description) {
+  CLI::App& command = *program.add_subcommand(name, description);
+  const auto state = std::make_shared<State>();
+  command.callback([state, &action] { action = [state] { return state->Run(); }; });
+  return {command, *state};
+}
 
 /// The FILE arguments that most commands take.
 void AddFiles(CLI::App& command, std::vector<std::string>& files);

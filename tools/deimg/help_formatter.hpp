@@ -3,6 +3,7 @@
 #define DEIMG_TOOLS_DEIMG_HELP_FORMATTER_HPP
 
 #include <CLI/CLI.hpp>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -21,6 +22,17 @@ class HelpFormatter final : public CLI::Formatter {
 
 /// `text` in lines of at most `width` columns.
 std::string Wrapped(const std::string& text, size_t width);
+
+/// "a, b or c": a word of every row of a table.
+template <class Row, class Word>
+std::string Choices(const std::vector<Row>& rows, Word word) {
+  std::string text;
+  for (size_t i = 0; i < rows.size(); ++i) {
+    text += i == 0 ? "" : i + 1 < rows.size() ? ", " : " or ";
+    text += std::invoke(word, rows[i]);
+  }
+  return text;
+}
 
 }  // namespace deimg::cli
 

@@ -62,7 +62,8 @@ std::string InfoText(const std::string& file, const RawInfo& info) {
             g.auxLeft, g.auxTop);
   lines.Add("preview", "%u x %u pixels", info.reduced.areaWidth, info.reduced.areaHeight);
   if (const auto isoClass = SensitivityClass(info)) {
-    lines.Add("sensitivity", "%u (class %d of 0 to 4)", p.sensitivity(), *isoClass);
+    lines.Add("sensitivity", "%u (class %s of 0 to 4)", p.sensitivity(),
+              std::to_string(*isoClass).c_str());
   } else {
     lines.Add("sensitivity", "%u (not one of this camera's)", p.sensitivity());
   }

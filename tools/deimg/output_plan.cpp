@@ -4,10 +4,12 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <optional>
 #include <set>
 #include <utility>
 
 #include "failure.hpp"
+#include "help_formatter.hpp"
 #include "output_file.hpp"
 
 namespace deimg::cli {
@@ -39,21 +41,31 @@ std::string ExtensionOf(const std::string& path) {
 }
 
 /// "dir/photo.raw" becomes "dir/photo-preview.png".
-std::string Renamed(const std::string& input, const std::string& suffix, PictureFormat format) {
+std::string Renamed(const std::string& input, const std::string& suffix,
+                    const PictureFormat& format) {
   const std::string extension = ExtensionOf(input);
   const size_t cut = extension.empty() ? 0 : extension.size() + 1;
-  return input.substr(0, input.size() - cut) + suffix + "." + std::string(Extension(format));
+  return input.substr(0, input.size() - cut) + suffix + "." + format.extensions.front();
 }
 
-PictureFormat ChooseFormat(const OutputOptions& options, bool toDirectory) {
-  if (options.format) return *options.format;
-  if (options.output.empty() || options.output == "-" || toDirectory) return PictureFormat::kPng;
-  const std::string extension = ExtensionOf(options.output);
-  if (const auto format = FormatOfExtension(extension)) return *format;
-  if (extension.empty()) return PictureFormat::kPng;
+const PictureFormat& ChooseFormat(const OutputOptions& options, bool toDirectory) {
+  if (options.format != nullptr) return *options.format;
+  const bool named = !options.output.empty() && options.output != "-" && !toDirectory;
+  const std::string extension = named ? ExtensionOf(options.output) : "";
+  if (extension.empty()) return PictureFormats().front();
+  if (const PictureFormat* const format = FindFormat(extension)) return *format;
   throw UsageError("'" + PrintableOutput(options.output) + "' ends in '." +
                    PrintableOutput(extension) +
                    "', which says no picture format; choose one with --format");
+}
+
+void RequireDepth(const PictureFormat& format, int depth) {
+  if (format.depths.contains(depth)) return;
+  std::vector<PictureFormat> others = PictureFormats();
+  std::erase_if(others, [&](const PictureFormat& other) { return !other.depths.contains(depth); });
+  throw UsageError(format.Title() + " has " + std::to_string(*format.depths.begin()) +
+                   " bits per sample; " + std::to_string(depth) + " bits need --format " +
+                   Choices(others, &PictureFormat::name));
 }
 
 void MakeDirectory(const std::string& name) {
@@ -85,50 +97,47 @@ void CheckClashes(const std::vector<Job>& jobs) {
 }  // namespace
 
 void OutputOptions::AddTo(CLI::App& command, bool withDepth) {
-  const char* const group = "Output";
+  const std::vector<PictureFormat>& formats = PictureFormats();
+  const std::string names = Choices(formats, &PictureFormat::name);
+  std::vector<PictureFormat> lossy = formats;
+  std::erase_if(lossy, [](auto& row) { return !row.traits.contains(FormatTrait::kQuality); });
+  const std::string titles = Choices(lossy, &PictureFormat::Title);
+
+  command.option_defaults()->group("Output");
   command
       .add_option("-o,--output", output,
                   "File or directory to write to; - is standard output. Default: beside each raw "
                   "file, with the format's extension. A name ending in / is a directory, made "
                   "when missing")
-      ->type_name("NAME")
-      ->group(group);
+      ->type_name("NAME");
   command
       .add_option_function<std::string>(
           "--format",
-          [this](const std::string& name) {
-            format = FormatOfExtension(name);
-            if (!format) {
-              throw CLI::ValidationError("--format", "choose png, tiff, jpeg or ppm");
-            }
+          [this, names](const std::string& name) {
+            format = FindFormat(name);
+            if (format == nullptr) throw CLI::ValidationError("--format", "choose " + names);
           },
-          "Picture format: png, tiff, jpeg or ppm. Default: what the output's extension says, "
-          "else png")
-      ->type_name("FORMAT")
-      ->group(group);
+          "Picture format: " + names + ". Default: what the output's extension says, else " +
+              formats.front().name)
+      ->type_name("FORMAT");
   if (withDepth) {
-    command.add_option("--depth", depth, "Bits per colour sample, 8 or 16. Default: 8")
+    command.add_option("--depth", header.depth, "Bits per colour sample, 8 or 16. Default: 8")
         ->type_name("BITS")
-        ->check(CLI::IsMember({8, 16}).description(""))
-        ->group(group);
+        ->check(CLI::IsMember({8, 16}).description(""));
   }
-  command.add_option("--quality", quality, "JPEG quality, 1 to 100. Default: 92")
+  command.add_option("--quality", header.quality, titles + " quality, 1 to 100. Default: 92")
       ->type_name("N")
-      ->check(CLI::Range(1, 100).description(""))
-      ->group(group);
+      ->check(CLI::Range(1, 100).description(""));
   command
-      .add_option("--resolution", resolution,
+      .add_option("--resolution", header.resolution,
                   "Pixels per inch to record for printing. Default: 300")
       ->type_name("N")
-      ->check(CLI::Range(1U, kHighestResolution).description(""))
-      ->group(group);
-  auto* const overwrite =
-      command.add_flag("--force", force, "Overwrite files that exist")->group(group);
+      ->check(CLI::Range(1U, kHighestResolution).description(""));
+  auto* const overwrite = command.add_flag("--force", force, "Overwrite files that exist");
   command
       .add_flag("--skip-existing", skipExisting,
                 "Leave files that exist alone and count them as done")
-      ->excludes(overwrite)
-      ->group(group);
+      ->excludes(overwrite);
 }
 
 OutputPlan PlanOutputs(const std::vector<std::string>& inputs, const OutputOptions& options,
@@ -140,18 +149,16 @@ OutputPlan PlanOutputs(const std::vector<std::string>& inputs, const OutputOptio
                      "' is none (end it in / to have it made)");
   }
   OutputPlan plan;
-  plan.format = ChooseFormat(options, toDirectory);
-  if (plan.format == PictureFormat::kJpeg && options.depth == 16) {
-    throw UsageError("JPEG has 8 bits per sample; 16 bits need --format png, tiff or ppm");
-  }
+  plan.format = &ChooseFormat(options, toDirectory);
+  RequireDepth(*plan.format, options.header.depth);
   for (const std::string& input : inputs) {
     const std::string base = input == "-" ? "standard-input" : input;
     std::string name = output;
     if (toDirectory) {
       const std::string slash = output.back() == '/' ? "" : "/";
-      name = output + slash + Renamed(FileNameOf(base), suffix, plan.format);
+      name = output + slash + Renamed(FileNameOf(base), suffix, *plan.format);
     } else if (output.empty()) {
-      name = input == "-" ? "-" : Renamed(base, suffix, plan.format);
+      name = input == "-" ? "-" : Renamed(base, suffix, *plan.format);
     }
     plan.jobs.push_back({input, name});
   }
@@ -167,22 +174,6 @@ OutputPlan PlanOutputs(const std::vector<std::string>& inputs, const OutputOptio
     ReserveStandardOutput();
   }
   return plan;
-}
-
-void WritePicture(const Job& job, PictureFormat format, const OutputOptions& options,
-                  PictureSize size, const LineSource& source) {
-  OutputFile output(job.output, options.force, NeedsSeeking(format));
-  PictureHeader header;
-  header.width = size.width;
-  header.height = size.height;
-  header.depth = options.depth;
-  header.quality = options.quality;
-  header.resolution = options.resolution;
-  const std::unique_ptr<PictureWriter> writer =
-      MakePipelinedWriter(MakeWriter(format, output.file(), header));
-  source([&](std::span<const std::byte> line) { writer->WriteLine(line); });
-  writer->Finish();
-  output.Commit();
 }
 
 }  // namespace deimg::cli

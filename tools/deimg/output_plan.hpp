@@ -3,24 +3,19 @@
 #define DEIMG_TOOLS_DEIMG_OUTPUT_PLAN_HPP
 
 #include <CLI/CLI.hpp>
-#include <functional>
-#include <optional>
 #include <string>
 #include <vector>
 
-#include "picture_writer.hpp"
+#include "picture_formats.hpp"
 #include "progress_display.hpp"
-#include "raw_info.hpp"
 
 namespace deimg::cli {
 
 /// The options that say where pictures go and how they are encoded.
 struct OutputOptions {
-  std::string output;  ///< -o; empty when not given
-  std::optional<PictureFormat> format;
-  int depth = 8;
-  int quality = 92;
-  unsigned resolution = 300;
+  std::string output;                     ///< -o; empty when not given
+  const PictureFormat* format = nullptr;  ///< --format; null when not given
+  PictureHeader header;                   ///< all but the picture's size
   bool force = false;
   bool skipExisting = false;
 
@@ -31,20 +26,13 @@ struct OutputOptions {
 /// What to do with every input: checked names, nothing written twice.
 struct OutputPlan {
   std::vector<Job> jobs;
-  PictureFormat format = PictureFormat::kPng;
+  const PictureFormat* format = nullptr;
 };
 
 /// Names an output for every input; `suffix` goes into names made from an input's name. Makes the
 /// output directory when it ends in "/" and is missing. Throws UsageError.
 OutputPlan PlanOutputs(const std::vector<std::string>& inputs, const OutputOptions& options,
                        const std::string& suffix);
-
-/// Hands each finished line to the function it is given; throws when the job fails.
-using LineSource = std::function<void(const host::LineCallback&)>;
-
-/// Writes one picture of `size` to `job.output`, with lines from `source`.
-void WritePicture(const Job& job, PictureFormat format, const OutputOptions& options,
-                  PictureSize size, const LineSource& source);
 
 }  // namespace deimg::cli
 

@@ -1,4 +1,4 @@
-/// Picture formats: each writer takes finished lines and encodes them as they come.
+/// A picture being encoded: each writer takes finished lines and encodes them as they come.
 #ifndef DEIMG_TOOLS_DEIMG_PICTURE_WRITER_HPP
 #define DEIMG_TOOLS_DEIMG_PICTURE_WRITER_HPP
 
@@ -6,21 +6,17 @@
 #include <cstdint>
 #include <cstdio>
 #include <memory>
-#include <optional>
 #include <span>
 #include <string>
-#include <string_view>
 
 namespace deimg::cli {
-
-enum class PictureFormat { kPng, kTiff, kJpeg, kPpm };
 
 /// What is known about a picture before its first line.
 struct PictureHeader {
   uint32_t width = 0;
   uint32_t height = 0;
   int depth = 8;              ///< bits per sample: 8 or 16
-  int quality = 92;           ///< JPEG: 1 to 100
+  int quality = 92;           ///< 1 to 100, for formats that have it
   unsigned resolution = 300;  ///< pixels per inch, recorded for printing
 };
 
@@ -35,27 +31,15 @@ class PictureWriter {
   virtual void Finish() = 0;
 };
 
-/// A writer on `file`, which stays the caller's.
-std::unique_ptr<PictureWriter> MakeWriter(PictureFormat format, std::FILE* file,
-                                          const PictureHeader& header);
-std::unique_ptr<PictureWriter> MakePngWriter(std::FILE* file, const PictureHeader& header);
-std::unique_ptr<PictureWriter> MakeTiffWriter(std::FILE* file, const PictureHeader& header);
-std::unique_ptr<PictureWriter> MakeJpegWriter(std::FILE* file, const PictureHeader& header);
-std::unique_ptr<PictureWriter> MakePpmWriter(std::FILE* file, const PictureHeader& header);
+/// Makes a writer on `file`, which stays the caller's. Every format has one in its own source file.
+using WriterMaker = std::unique_ptr<PictureWriter>(std::FILE* file, const PictureHeader& header);
 
 /// A writer that encodes with `writer` on a thread of its own, so that the caller goes on with the
 /// next lines meanwhile. A failure shows in a later call. Memory is bounded.
 std::unique_ptr<PictureWriter> MakePipelinedWriter(std::unique_ptr<PictureWriter> writer);
 
-/// Whether the format's writer goes back in its file.
-bool NeedsSeeking(PictureFormat format);
-/// Usual file name extension, without the dot.
-std::string_view Extension(PictureFormat format);
-/// The format that a file name's extension stands for, in any case of letters.
-std::optional<PictureFormat> FormatOfExtension(std::string_view extension);
-
 /// Name and version of this program, as recorded in pictures.
-std::string SoftwareName();
+inline std::string SoftwareName() { return "deimg " DEIMG_VERSION; }
 
 }  // namespace deimg::cli
 

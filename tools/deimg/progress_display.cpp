@@ -27,6 +27,10 @@ class LineDisplay final : public ProgressDisplay {
   std::string verb_;
 };
 
+std::unique_ptr<ProgressDisplay> MakeFailuresDisplay(const std::string& /*verb*/) {
+  return std::make_unique<ProgressDisplay>();
+}
+
 }  // namespace
 
 void ProgressDisplay::Finish(const Summary& summary) {
@@ -37,19 +41,15 @@ void ProgressDisplay::Finish(const Summary& summary) {
   if (summary.interrupted) std::fputs("deimg: interrupted\n", stderr);
 }
 
-std::unique_ptr<ProgressDisplay> MakeDisplay(ProgressStyle style, const std::string& verb) {
-  switch (style) {
-    case ProgressStyle::kNone:
-      return std::make_unique<ProgressDisplay>();
-    case ProgressStyle::kBar:
-      return MakeBarDisplay(verb);
-    case ProgressStyle::kJson:
-      return MakeJsonDisplay();
-    case ProgressStyle::kAutomatic:
-      break;
-  }
+std::unique_ptr<ProgressDisplay> MakeUsualDisplay(const std::string& verb) {
   if (isatty(STDERR_FILENO) != 0) return MakeBarDisplay(verb);
   return std::make_unique<LineDisplay>(verb);
+}
+
+const std::vector<ProgressStyle>& ProgressStyles() {
+  static const std::vector<ProgressStyle> styles = {
+      {"none", MakeFailuresDisplay}, {"bar", MakeBarDisplay}, {"json", MakeJsonDisplay}};
+  return styles;
 }
 
 std::string Describe(const Job& job, Outcome outcome, const std::string& verb) {

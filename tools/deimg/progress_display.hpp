@@ -48,17 +48,18 @@ class ProgressDisplay {
   virtual void Finish(const Summary& summary);
 };
 
-enum class ProgressStyle {
-  kAutomatic,  ///< a bar on a terminal, one line a file otherwise
-  kNone,       ///< failures only
-  kBar,
-  kJson,  ///< one object a line
-};
+/// Makes a display; `verb` says what happens to the files, for example "developed".
+using DisplayMaker = std::unique_ptr<ProgressDisplay>(const std::string& verb);
+DisplayMaker MakeBarDisplay, MakeJsonDisplay;
+/// A bar on a terminal, one line a file otherwise.
+DisplayMaker MakeUsualDisplay;
 
-/// `verb` says what happens to the files, for example "developed".
-std::unique_ptr<ProgressDisplay> MakeDisplay(ProgressStyle style, const std::string& verb);
-std::unique_ptr<ProgressDisplay> MakeBarDisplay(const std::string& verb);
-std::unique_ptr<ProgressDisplay> MakeJsonDisplay();
+/// What --progress chooses from.
+struct ProgressStyle {
+  std::string name;
+  DisplayMaker* make;
+};
+const std::vector<ProgressStyle>& ProgressStyles();
 
 /// "a.raw -> a.png", or "a.raw: developed" when nothing is written.
 std::string Describe(const Job& job, Outcome outcome, const std::string& verb);

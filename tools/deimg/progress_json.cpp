@@ -51,6 +51,8 @@ class JsonDisplay final : public ProgressDisplay {
 
 }  // namespace
 
-std::unique_ptr<ProgressDisplay> MakeJsonDisplay() { return std::make_unique<JsonDisplay>(); }
+std::unique_ptr<ProgressDisplay> MakeJsonDisplay(const std::string& /*verb*/) {
+  return std::make_unique<JsonDisplay>();
+}
 
 }  // namespace deimg::cli

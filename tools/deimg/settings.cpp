@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "failure.hpp"
+#include "help_formatter.hpp"
 
 namespace deimg::cli {
 namespace {
@@ -41,11 +42,29 @@ std::vector<Number> ParseList(std::string_view text, size_t count) {
   return values.size() == count ? values : std::vector<Number>{};
 }
 
-[[noreturn]] void Refuse(const char* option, const std::string& why) {
-  throw CLI::ValidationError(option, why);
+/// A word that an option takes, and what its field holds then. A flag takes no word.
+struct Word {
+  const char* text;
+  int value;
+};
+
+enum Jobs { kEveryJob, kFullJob };
+
+/// One option of the program, for one field of the library's settings or more.
+struct Setting {
+  const char* option;
+  const char* value;  ///< what the help shows for its value; empty: a flag
+  Jobs jobs;
+  void (*set)(DevelopParams& params, const Setting& setting, const std::string& text);
+  const char* help;
+  std::vector<Word> words = {};  ///< all that it takes, unless `set` understands more than words
+};
+
+[[noreturn]] void Refuse(const Setting& setting, const std::string& why) {
+  throw CLI::ValidationError(setting.option, why);
 }
 
-void SetWhiteBalance(DevelopParams& params, const std::string& text) {
+void SetWhiteBalance(DevelopParams& params, const Setting& setting, const std::string& text) {
   const size_t colon = text.find(':');
   const std::string kind = text.substr(0, colon);
   const std::string value = colon == std::string::npos ? "" : text.substr(colon + 1);
@@ -54,106 +73,104 @@ void SetWhiteBalance(DevelopParams& params, const std::string& text) {
   } else if (kind == "preset") {
     const auto number = Parse<int>(value);
     if (!number || *number < 0 || *number > kPresets) {
-      Refuse("--wb", "presets are numbered 0 to 6; 'deimg info' lists those of a file");
+      Refuse(setting, "presets are numbered 0 to 6; 'deimg info' lists those of a file");
     }
     params.wbPreset = static_cast<int16_t>(*number);
   } else if (kind == "point") {
     const auto point = ParseList<int32_t>(value, 2);
-    if (point.empty()) Refuse("--wb", "a point is two whole numbers: point:COLUMN,LINE");
+    if (point.empty()) Refuse(setting, "a point is two whole numbers: point:COLUMN,LINE");
     params.wbPreset = DEIMG_WB_POINT;
     params.wbPointX = point[0];
     params.wbPointY = point[1];
   } else if (kind == "gains") {
     const auto gains = ParseList<double>(value, 4);
-    if (gains.empty()) Refuse("--wb", "gains are four numbers: gains:RED,GREEN1,GREEN2,BLUE");
+    if (gains.empty()) Refuse(setting, "gains are four numbers: gains:RED,GREEN1,GREEN2,BLUE");
     params.wbPreset = DEIMG_WB_GAINS;
     params.whiteBalance.wbGainsSet = 1;
     for (size_t i = 0; i < gains.size(); ++i) {
       if (!(gains[i] > 0 && gains[i] <= kLargestGain)) {
-        Refuse("--wb", "gains lie above 0 and are at most 100");
+        Refuse(setting, "gains lie above 0 and are at most 100");
       }
       params.whiteBalance.wbGains[i] =
           static_cast<uint32_t>(std::lround(gains[i] * DEIMG_WB_GAIN_ONE));
     }
   } else {
-    Refuse("--wb", "choose recorded, preset:N, point:COLUMN,LINE or gains:RED,GREEN1,GREEN2,BLUE");
+    Refuse(setting, "choose recorded, preset:N, point:COLUMN,LINE or gains:RED,GREEN1,GREEN2,BLUE");
   }
 }
 
-int16_t ParseExposure(const std::string& text) {
+void SetExposure(DevelopParams& params, const Setting& setting, const std::string& text) {
   const auto stops = Parse<double>(text);
   if (!stops || !(std::fabs(*stops) <= kMostStops)) {
-    Refuse("--exposure", "choose a number of stops from -2 to 2");
+    Refuse(setting, "choose a number of stops from -2 to 2");
   }
   const double tenths = std::round(*stops * kTenths);
   if (std::fabs(tenths - *stops * kTenths) > 1e-6) {
-    Refuse("--exposure", "exposure goes in tenths of a stop");
+    Refuse(setting, "exposure goes in tenths of a stop");
   }
-  return static_cast<int16_t>(tenths);
+  params.exposureAdjust = static_cast<int16_t>(tenths);
 }
 
-int16_t ParseLevel(const char* option, const std::string& text) {
-  if (text == "recorded") return DEIMG_AS_RECORDED;
-  const auto level = Parse<int>(text);
-  if (!level || *level < -1 || *level > 1) Refuse(option, "choose -1, 0, 1 or recorded");
-  return static_cast<int16_t>(*level);
+template <auto kField>
+void SetWord(DevelopParams& params, const Setting& setting, const std::string& text) {
+  const auto number = Parse<int>(text);
+  for (const Word& word : setting.words) {
+    if (text == word.text || (number && number == Parse<int>(word.text))) {
+      params.*kField = static_cast<std::remove_reference_t<decltype(params.*kField)>>(word.value);
+      return;
+    }
+  }
+  Refuse(setting, "choose " + Choices(setting.words, &Word::text));
 }
 
-void AddLevel(CLI::App& command, const char* option, int16_t& field, const char* description) {
-  command
-      .add_option_function<std::string>(
-          option, [&field, option](const std::string& text) { field = ParseLevel(option, text); },
-          description)
-      ->type_name("LEVEL")
-      ->group("Picture");
+const std::vector<Setting>& AllSettings() {
+  using P = DevelopParams;
+  constexpr Word kRecorded = {"recorded", DEIMG_AS_RECORDED};
+  const std::vector<Word> levels = {{"-1", -1}, {"0", 0}, {"1", 1}, kRecorded};
+  const std::vector<Word> sets = {{"-1", -1}, {"0", 0}, {"1", 1}, {"quick", 3}, kRecorded};
+  const std::vector<Word> one = {{"", 1}};
+  const std::vector<Word> minusOne = {{"", -1}};
+  static const std::vector<Setting> settings = {
+      {"--wb", "BALANCE", kEveryJob, SetWhiteBalance,
+       "White balance: recorded; preset:N, one of the file's own (see deimg info); point:X,Y, so "
+       "that the 20 x 20 pixels from column X, line Y on become grey; or gains:R,G1,G2,B, factors "
+       "for red, the two greens and blue. Default: recorded"},
+      {"--exposure", "STOPS", kEveryJob, SetExposure,
+       "Brighten or darken by so many stops, -2 to 2 in tenths. Default: 0"},
+      {"--tone", "LEVEL", kEveryJob, SetWord<&P::toneLevel>, "Tone curve", levels},
+      {"--saturation", "LEVEL", kEveryJob, SetWord<&P::matrixLevel>, "Colour matrix and strength",
+       levels},
+      {"--colour", "LEVEL", kEveryJob, SetWord<&P::colourLevel>, "Colour balance of the rendering",
+       levels},
+      {"--processing-set", "SET", kFullJob, SetWord<&P::processingSet>, "Detail and sharpness",
+       sets},
+      {"--plain", "", kFullJob, SetWord<&P::matrixSelect>,
+       "Plain processing: the built-in colour matrix, no refinements, no sharpening", one},
+      {"--no-colour-median", "", kFullJob, SetWord<&P::chromaMedian>,
+       "Leave out the median that cleans colour noise and false colours", minusOne},
+  };
+  return settings;
 }
 
 }  // namespace
 
 void Settings::AddTo(CLI::App& command, bool full) {
-  const char* const group = "Picture";
-  command
-      .add_option_function<std::string>(
-          "--wb", [this](const std::string& text) { SetWhiteBalance(params, text); },
-          "White balance: recorded; preset:N, one of the file's own (see deimg info); point:X,Y, "
-          "so that the 20 x 20 pixels from column X, line Y on become grey; or gains:R,G1,G2,B, "
-          "factors for red, the two greens and blue. Default: recorded")
-      ->type_name("BALANCE")
-      ->group(group);
-  command
-      .add_option_function<std::string>(
-          "--exposure",
-          [this](const std::string& text) { params.exposureAdjust = ParseExposure(text); },
-          "Brighten or darken by so many stops, -2 to 2 in tenths. Default: 0")
-      ->type_name("STOPS")
-      ->group(group);
-  AddLevel(command, "--tone", params.toneLevel,
-           "Tone curve: -1, 0, 1 or recorded. Default: recorded");
-  AddLevel(command, "--saturation", params.matrixLevel,
-           "Colour matrix and strength: -1, 0, 1 or recorded. Default: recorded");
-  AddLevel(command, "--colour", params.colourLevel,
-           "Colour balance of the rendering: -1, 0, 1 or recorded. Default: recorded");
-  if (!full) return;
-  command
-      .add_option_function<std::string>(
-          "--processing-set",
-          [this](const std::string& text) {
-            params.processingSet =
-                text == "quick" ? int16_t{3} : ParseLevel("--processing-set", text);
-          },
-          "Detail and sharpness: -1, 0, 1, quick or recorded. Default: recorded")
-      ->type_name("SET")
-      ->group(group);
-  command
-      .add_flag_callback(
-          "--plain", [this] { params.matrixSelect = 1; },
-          "Plain processing: the built-in colour matrix, no refinements, no sharpening")
-      ->group(group);
-  command
-      .add_flag_callback(
-          "--no-colour-median", [this] { params.chromaMedian = -1; },
-          "Leave out the median that cleans colour noise and false colours")
-      ->group(group);
+  command.option_defaults()->group("Picture");
+  for (const Setting& setting : AllSettings()) {
+    if (setting.jobs == kFullJob && !full) continue;
+    const auto set = [this, &setting](const std::string& text) {
+      setting.set(params, setting, text);
+    };
+    const std::string words = Choices(setting.words, &Word::text);
+    const std::string help = words.empty() ? "" : ": " + words + ". Default: recorded";
+    if (*setting.value == '\0') {
+      command.add_flag_callback(
+          setting.option, [set] { set(""); }, setting.help);
+    } else {
+      command.add_option_function<std::string>(setting.option, set, setting.help + help)
+          ->type_name(setting.value);
+    }
+  }
 }
 
 void Settings::RequireFits(const RawInfo& info) const {

@@ -13,7 +13,7 @@ namespace deimg::cli {
 struct Settings {
   DevelopParams params = host::AsRecorded();
 
-  /// Adds white balance, exposure and the levels; with `full`, also what the quick jobs fix.
+  /// Adds the options of the settings; without `full`, leaves out those that the quick jobs fix.
   void AddTo(CLI::App& command, bool full);
   /// Throws Failure when this picture has no place for the white-balance point.
   void RequireFits(const RawInfo& info) const;
