@@ -2,42 +2,31 @@
 
 #include <algorithm>
 
-namespace deimg {
-namespace baseline {
-extern const LevelCode kLevelCode;
-}
+// The levels, the lowest first: name, namespace of the code, what the processor must have for it.
+#define DEIMG_HAS(feature) (__builtin_cpu_supports(feature) != 0)
 #ifdef DEIMG_X86_LEVELS
-namespace avx2 {
-extern const LevelCode kLevelCode;
-}
-namespace avx512 {
-extern const LevelCode kLevelCode;
-}
+#define DEIMG_LEVELS(LEVEL)                                                                   \
+  LEVEL("sse2", baseline, true)                                                               \
+  LEVEL("avx2", avx2, DEIMG_HAS("avx2") && DEIMG_HAS("bmi") && DEIMG_HAS("bmi2"))             \
+  LEVEL("avx512", avx512,                                                                     \
+        DEIMG_HAS("avx2") && DEIMG_HAS("bmi") && DEIMG_HAS("bmi2") && DEIMG_HAS("avx512f") && \
+            DEIMG_HAS("avx512bw") && DEIMG_HAS("avx512dq") && DEIMG_HAS("avx512vl"))
+#else
+#define DEIMG_LEVELS(LEVEL) LEVEL("baseline", baseline, true)
 #endif
+
+namespace deimg {
+
+#define DEIMG_DECLARE(name, space, needs) \
+  namespace space {                       \
+  extern const LevelCode kLevelCode;      \
+  }
+DEIMG_LEVELS(DEIMG_DECLARE)
 
 namespace {
 
-bool Always() { return true; }
-
-#ifdef DEIMG_X86_LEVELS
-bool HasAvx2() {
-  return __builtin_cpu_supports("avx2") != 0 && __builtin_cpu_supports("bmi") != 0 &&
-         __builtin_cpu_supports("bmi2") != 0;
-}
-bool HasAvx512() {
-  return HasAvx2() && __builtin_cpu_supports("avx512f") != 0 &&
-         __builtin_cpu_supports("avx512bw") != 0 && __builtin_cpu_supports("avx512dq") != 0 &&
-         __builtin_cpu_supports("avx512vl") != 0;
-}
-
-constexpr Level kLevels[] = {
-    {"sse2", baseline::kLevelCode, Always},
-    {"avx2", avx2::kLevelCode, HasAvx2},
-    {"avx512", avx512::kLevelCode, HasAvx512},
-};
-#else
-constexpr Level kLevels[] = {{"baseline", baseline::kLevelCode, Always}};
-#endif
+#define DEIMG_ROW(name, space, needs) {name, space::kLevelCode, [] { return needs; }},
+constexpr Level kLevels[] = {DEIMG_LEVELS(DEIMG_ROW)};
 
 /// Whether the white balance leaves no sample outside 0 to 4095: no gain is negative, and none
 /// makes a product with a raw sample wrap.
