@@ -9,7 +9,7 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 fail() { echo "package: $*" >&2; exit 1; }
 
-DESTDIR= cmake --install "$build" --prefix "$work/prefix" > "$work/log"
+DESTDIR='' cmake --install "$build" --prefix "$work/prefix" > "$work/log"
 libdir=$(dirname "$(find "$work/prefix" -name 'libdeimg.so')")
 export LD_LIBRARY_PATH="$libdir"
 PATH="$work/prefix/bin:$PATH"
@@ -20,14 +20,15 @@ deimg develop "$sample" -o "$work/wanted.ppm" --progress none
   = DEImg_DevelopM480 ] || fail 'the library exports other symbols'
 objdump -p "$libdir/libdeimg.so" | grep -q 'SONAME *libdeimg\.so\.[0-9]' || fail 'no soname version'
 
-cmake -S "$hosts" -B "$work/cmake" -DCMAKE_PREFIX_PATH="$work/prefix" > "$work/log" 2>&1 &&
-  cmake --build "$work/cmake" >> "$work/log" 2>&1 || { cat "$work/log"; fail 'CMake hosts'; }
+{ cmake -S "$hosts" -B "$work/cmake" -DCMAKE_PREFIX_PATH="$work/prefix" &&
+  cmake --build "$work/cmake"; } > "$work/log" 2>&1 || { cat "$work/log"; fail 'CMake hosts'; }
 
 export PKG_CONFIG_PATH="$libdir/pkgconfig"
 mkdir "$work/pkg-config"
 flags=$(pkg-config --cflags --libs deimg)
-# $flags is a list of words.
+# shellcheck disable=SC2086  # $flags is a list of words
 $CC -std=c11 -Wall -Wextra -Werror "$hosts/c_host.c" $flags -o "$work/pkg-config/c_host"
+# shellcheck disable=SC2086
 $CXX -std=c++20 -Wall -Wextra -Werror "$hosts/cpp_host.cpp" $flags -o "$work/pkg-config/cpp_host"
 
 for host in cmake/c_host cmake/c_host_static cmake/cpp_host pkg-config/c_host pkg-config/cpp_host; do
