@@ -15,6 +15,7 @@ static GraphOwner MakeGraph(CallerStream& plane, const StageContext& context,
 }
 
 extern const LevelCode kLevelCode;
+// NOLINTNEXTLINE(misc-definitions-in-headers): included once by each level's source.
 const LevelCode kLevelCode = {MakeGraph<NarrowSample>, MakeGraph<Sample>, kPlaneLines};
 
 }  // namespace deimg::DEIMG_LEVEL
