@@ -446,7 +446,7 @@ TEST(ShortPlane, IsAnErrorForEveryReader) {
   const PlaneLines& lines = BestLevel("").planeLines();
   const std::uint16_t black[4] = {};
   std::vector<std::uint16_t> planes(4u * r.sensorWidth * r.sensorHeight);
-  for (const std::uint64_t missing : {0, 2, 96, 1000}) {
+  for (const std::uint64_t missing : {0u, 2u, 96u, 1000u}) {
     const MemoryStream stream = MemoryStream::Make(PlaneBytes(g) - missing);
     const Result expected = missing == 0 ? DEIMG_OK : DEIMG_FILE_READ;
     EXPECT_EQ(BlackLevelSubtraction(lines, g, *stream.get(), black), expected);

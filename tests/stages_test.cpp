@@ -470,7 +470,9 @@ class Plain {
                                           In(TypeId::kAApcProcs, 0)};
     const Samples cr = In(TypeId::kColorSystemProc, 1), cb = In(TypeId::kColorSystemProc, 2);
     const bool full = b_.settings.matrixSelect == 0;
-    const auto [gains, negative] = DetailGains();
+    const auto detail = DetailGains();
+    const Samples& gains = detail.first;
+    const Sample negative = detail.second;
     const auto p = std::bit_cast<std::array<std::uint16_t, 7>>(
         b_.tuning.chromaCorrection[*b_.settings.toneIndex]);
     const auto shifted = [](Sample factor, Sample shift) {

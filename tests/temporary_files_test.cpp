@@ -141,7 +141,7 @@ void ForEachWorkFile(Function function) {
 /// At every call of the host's streams the work files have no name, belong to the owner alone and
 /// are not handed on to other programs; whatever the umask, and also when the directory goes away.
 TEST_F(TemporaryFilesTest, NobodyElseCanReachThem) {
-  for (const mode_t mask : {0000, 0277, 0777}) {
+  for (const mode_t mask : {0000u, 0277u, 0777u}) {
     for (std::size_t k = 0; k < std::size(kJobKinds); ++k) {
       const mode_t before = umask(mask);
       int seen = 0;

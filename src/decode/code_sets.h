@@ -3,13 +3,14 @@
 #define DEIMG_DECODE_CODE_SETS_H
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 
 namespace deimg {
 
 /// A prefix code: how many codes there are of each length, 1 to 16 bits, and the symbols in code
 /// order. The counts add up to the number of symbols.
-template <int symbolCount>
+template <std::size_t symbolCount>
 struct CodeDefinition {
   std::array<std::uint8_t, 16> counts;
   std::array<std::uint8_t, symbolCount> symbols;

@@ -3,6 +3,7 @@
 #define DEIMG_DECODE_CODE_TREE_H
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <span>
 
@@ -23,7 +24,7 @@ void BuildCodeTree(std::span<const std::uint8_t, 16> counts, std::span<const std
                    std::span<CodeTreeNode> pool);
 
 /// A tree in a pool of its own.
-template <int poolSize>
+template <std::size_t poolSize>
 struct CodeTree {
   template <typename Definition>
   explicit CodeTree(const Definition& definition) {

@@ -23,9 +23,16 @@ class Dice {
   int16_t Free(int low, int high, int wildLow = -32768, int wildHigh = 32767) {
     return wild_ && OneIn(4) ? Word(wildLow, wildHigh) : Word(low, high);
   }
+  /// Free for words that are read without a sign.
+  uint16_t FreeUnsigned(int low, int high, int wildLow = -32768, int wildHigh = 32767) {
+    return static_cast<uint16_t>(Free(low, high, wildLow, wildHigh));
+  }
   bool OneIn(int n) { return Range(1, n) == 1; }
   int16_t Pick(std::initializer_list<int16_t> values) {
     return values.begin()[Range(0, static_cast<int>(values.size()) - 1)];
+  }
+  uint16_t PickUnsigned(std::initializer_list<int16_t> values) {
+    return static_cast<uint16_t>(Pick(values));
   }
   Bytes Noise(int minSize, int maxSize) {
     Bytes bytes(static_cast<size_t>(Range(minSize, maxSize)));
@@ -48,11 +55,11 @@ class Dice {
 
 FilterTuning RandomFilter(Dice& dice) {
   FilterTuning f = PlainFilter();
-  f.aFilterSlopeShift = dice.Word(0, 8);
-  f.aFilterCoreLevel = dice.Free(0, 64, 0, 400);
+  f.aFilterSlopeShift = dice.Unsigned(0, 8);
+  f.aFilterCoreLevel = dice.FreeUnsigned(0, 64, 0, 400);
   f.directionThreshold = dice.Free(-20, 300);
-  f.detailGainLow = dice.Free(0, 16);
-  f.detailGainMix = dice.Free(0, 8);
+  f.detailGainLow = dice.FreeUnsigned(0, 16);
+  f.detailGainMix = dice.FreeUnsigned(0, 8);
   f.hokanLpfSelect = dice.Pick({24, 33, 42, 55, 98, 111, 116, 125, 128});
   f.verLpfKernelSelect = dice.Pick({8, 9, 10, 15, 24, 26, 28});
   return f;
@@ -110,27 +117,27 @@ class RandomSegments {
 
 ChromaSuppression RandomSuppression(Dice& dice) {
   ChromaSuppression s{};
-  s.unread = dice.Word(-32768, 32767);
-  s.darkCode = dice.Word(0, 3);
-  s.slope3Code = dice.Pick({0, 1, 2, 4, 5, 6, 7, 8, 11});
-  s.slope2Code = dice.Pick({0, 1, 2, 4, 5, 6, 7, 8, 11});
-  s.kneeCode = dice.Word(0, 63);
-  s.kneeGain = dice.Free(40, 128, 0, 300);
-  s.kneeBase = dice.Free(0, 1);
-  s.knee2Level = dice.Word(0, 1023);
-  s.tailSlope = dice.Free(0, 64, 0, 32767);
+  s.unread = dice.Unsigned(0, 65535);
+  s.darkCode = dice.Unsigned(0, 3);
+  s.slope3Code = dice.PickUnsigned({0, 1, 2, 4, 5, 6, 7, 8, 11});
+  s.slope2Code = dice.PickUnsigned({0, 1, 2, 4, 5, 6, 7, 8, 11});
+  s.kneeCode = dice.Unsigned(0, 63);
+  s.kneeGain = dice.FreeUnsigned(40, 128, 0, 300);
+  s.kneeBase = dice.FreeUnsigned(0, 1);
+  s.knee2Level = dice.Unsigned(0, 1023);
+  s.tailSlope = dice.FreeUnsigned(0, 64, 0, 32767);
   return s;
 }
 
 ChromaCorrectionTuning RandomCorrection(Dice& dice) {
   ChromaCorrectionTuning c{};
-  c.blueGain = dice.Free(0, 8, 0, 255);
-  c.blueShift = dice.Free(0, 3, 0, 40);
-  c.redGain = dice.Free(0, 8, 0, 255);
-  c.redShift = dice.Free(0, 3, 0, 40);
-  c.redNegative = dice.Free(0, 1);
-  c.thresholdShift = dice.Free(0, 8, 0, 40);
-  c.unread = dice.Word(-32768, 32767);
+  c.blueGain = dice.FreeUnsigned(0, 8, 0, 255);
+  c.blueShift = dice.FreeUnsigned(0, 3, 0, 40);
+  c.redGain = dice.FreeUnsigned(0, 8, 0, 255);
+  c.redShift = dice.FreeUnsigned(0, 3, 0, 40);
+  c.redNegative = dice.FreeUnsigned(0, 1);
+  c.thresholdShift = dice.FreeUnsigned(0, 8, 0, 40);
+  c.unread = dice.Unsigned(0, 65535);
   return c;
 }
 
