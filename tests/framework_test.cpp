@@ -1,23 +1,15 @@
 // Components, ports, connections, contexts, and the graph's table.
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <map>
 #include <set>
 
-#include "base/byte_order.h"
 #include "graph/component.h"
 #include "graph/stage.h"
 #include "pipeline/connections.h"
-#include "pipeline/development_tables.h"
 #include "pipeline/levels.h"
-#include "pipeline/settings.h"
-#include "props/image_props.h"
-#include "rawfile/random_camera.h"
 #include "storage/memory_stream.h"
-#include "storage/stream_calls.h"
 #include "support/fault_heap.h"
-#include "support/streams.h"
 
 namespace deimg {
 namespace {
@@ -134,89 +126,14 @@ TEST(Stage, ContractBrokenIsSaidByName) {
 #endif
 }
 
-/// A graph with its job's settings, on a plane that a test fills.
-struct Job {
-  Job(int width, int height)
-      : plane(MemoryStream::Make(2ull * unsigned(width) * unsigned(height))) {
-    geometry.sensorWidth = geometry.areaWidth = static_cast<std::uint16_t>(width);
-    geometry.sensorHeight = geometry.areaHeight = static_cast<std::uint16_t>(height);
-  }
-  GraphOwner Graph(bool narrow = true) {
-    const LevelCode& code = BestLevel("").code;
-    const auto make = narrow ? code.makeNarrowGraph : code.makeWideGraph;
-    return make(*plane.get(), {settings, tables, tuning, geometry}, 2);
-  }
-  DevelopSettings settings;
-  DevelopmentTables tables;
-  TuningBlock tuning{};
-  ImageGeometry geometry{};
-  MemoryStream plane;
-};
-
-TEST(SourceStreamReader, ServesAndRepeatsLines) {
-  for (const int height : {2, 100, 217, 450}) {
-    Job job(8, height);
-    auto* const raw = reinterpret_cast<std::uint16_t*>(job.plane.memory());
-    for (int i = 0; i < 8 * height; ++i) raw[i] = static_cast<std::uint16_t>(i / 8 * 300);
-    ToLittleEndian(raw, static_cast<std::size_t>(8 * height));
-    const GraphOwner graph = job.Graph();
-    ComponentX& source = *graph->Find(TypeId::kSourceStreamReader);
-    source.ComputeContext(8);
-    EXPECT_EQ(source.Advance(1), DEIMG_NOT_STARTED);
-    for (int line = 0; line < height; ++line) {
-      ASSERT_EQ(line == 0 ? source.Start(0) : source.Advance(line), DEIMG_OK);
-      for (int o = -4; o <= 4; ++o) {
-        const int expected = std::clamp(line + o, 0, height - 1) * 300 % 65536;
-        ASSERT_EQ(source.GetLine<std::uint16_t>(o, 0)[7], expected)
-            << height << ' ' << line << ' ' << o;
-      }
-    }
-  }
-}
-
-TEST(ProcessingGraph, NarrowAndWideMosaicsGiveTheSamePicture) {
-  for (std::uint64_t seed = 1; seed <= 20; ++seed) {
-    const rawfile::RawFile camera = rawfile::RandomCamera(seed);
-    testing::InputStream input(Serialize(camera));
-    ImagePropsBlock block;
-    ImageProps props{};
-    ASSERT_EQ(ReadImagePropsBlock(*input.get(), block), DEIMG_OK);
-    ASSERT_EQ(pxfPsReadOpenImageProps(block, props), DEIMG_OK);
-    DevelopParams params = testing::RecordedParams();
-    Job job(props.sensor.width, props.sensor.height);
-    ASSERT_EQ(ResolveSettings(params, props, job.settings), DEIMG_OK);
-    ASSERT_EQ(DeriveTables(props, job.settings, job.tables), DEIMG_OK);
-    ASSERT_EQ(ResolveIndices(props, job.settings), DEIMG_OK);
-    job.tuning = TuningBlock::Load(props.tuningBlock);
-    const auto gain = static_cast<std::int32_t>(seed * seed * 80);
-    job.settings.wbGains = {gain, 1024, 32767 - gain, 1500};
-    std::vector<std::uint16_t> raw = camera.plane.samples;
-    ToLittleEndian(raw.data(), raw.size());
-    std::memcpy(job.plane.memory(), raw.data(), 2 * raw.size());
-    const auto lines = [&](bool narrow) {
-      testing::OutputStream output(DEIMG_PROGRESS_NEVER);
-      EXPECT_EQ(job.Graph(narrow)->Run(*output.get(), DEIMG_OK), DEIMG_OK);
-      return output.lines;
-    };
-    const auto wide = lines(false);
-    EXPECT_EQ(lines(true), wide) << seed;
-
-    // A job takes narrow samples only for gains that leave none outside 0 to 4095.
-    for (const std::int32_t wild : {-1, -4000, 32768, 1 << 21, INT32_MIN}) {
-      job.settings.wbGains[seed % 4] = wild;
-      testing::OutputStream output(DEIMG_PROGRESS_NEVER);
-      const GraphOwner graph = BestLevel("").MakeGraph(
-          *job.plane.get(), {job.settings, job.tables, job.tuning, job.geometry}, 2);
-      ASSERT_EQ(graph->Run(*output.get(), DEIMG_OK), DEIMG_OK);
-      ASSERT_EQ(output.lines, lines(false)) << seed << ' ' << wild;
-    }
-  }
-}
-
 TEST(ProcessingGraph, IsWiredAsTheTablesSay) {
   EXPECT_EQ(std::size(kComponents), 20u);
   EXPECT_EQ(std::size(kConnections), 36u);
-  const GraphOwner graph = Job(16, 16).Graph();
+  ImageGeometry geometry{};
+  geometry.sensorWidth = geometry.sensorHeight = geometry.areaWidth = geometry.areaHeight = 16;
+  const MemoryStream plane = MemoryStream::Make(2 * 16 * 16);
+  const GraphOwner graph =
+      BestLevel("").code.makeNarrowGraph(*plane.get(), {{}, {}, {}, geometry}, 2);
   graph->Find(TypeId::kLastStageRgb)->ComputeContext(0);
   const std::map<TypeId, int> margins = {{TypeId::kSourceStreamReader, 8},
                                          {TypeId::kWhiteBalance, 8},

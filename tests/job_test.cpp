@@ -1,14 +1,8 @@
-// Whole jobs through the exported function.
+// What the exported function makes of its arguments, reports and settings.
 #include <gtest/gtest.h>
 
-#include <map>
-#include <numeric>
-#include <string>
-
 #include "api/thumbnail.h"
-#include "rawfile/random_camera.h"
-#include "support/fault_heap.h"
-#include "support/level_choice.h"
+#include "pipeline/settings.h"
 #include "support/streams.h"
 
 namespace deimg {
@@ -22,60 +16,7 @@ using testing::OutputStream;
 using testing::RecordedParams;
 using Bytes = std::vector<std::uint8_t>;
 
-Bytes Sample(const char* name) {
-  return testing::ReadFileBytes(std::string(DEIMG_SAMPLES) + "/" + name + ".raw");
-}
-
-/// FNV-1a over all lines.
-std::uint64_t HashOf(const Outcome& outcome) {
-  std::uint64_t hash = 14695981039346656037u;
-  for (const auto& line : outcome.lines) {
-    for (const std::uint8_t byte : line) hash = (hash ^ byte) * 1099511628211u;
-  }
-  return hash;
-}
-
-class JobAtLevel : public testing::LevelTest {};
-DEIMG_INSTANTIATE_LEVELS(JobAtLevel);
-
-/// Bytes recorded when every picture agreed with an independent implementation of the development.
-TEST_P(JobAtLevel, BytesNeverChange) {
-  const testing::LevelScope scope(level);
-  const int choices = testing::LevelScope::Choices();
-  struct Case {
-    const char* sample;
-    std::uint32_t flags, format;
-    std::size_t lines, lineBytes;
-    std::uint64_t hash;
-  };
-  const Case cases[] = {
-      {"coffee", 0, 4, 436, 1872, 4814337207319966290u},
-      {"coffee", 0, 7, 436, 3744, 6029915691698756022u},
-      {"chart", 0, 4, 500, 2256, 11909753649798268135u},
-      {"chart", 0x20, 4, 500, 2256, 17851006035119138175u},
-      {"chart", 0x200, 4, 120, 480, 5070461263086762769u},
-      {"landscape", 0, 4, 1012, 4560, 14577411735662374249u},
-      {"landscape", 0x100, 4, 168, 756, 12116798228552349431u},
-  };
-  for (const Case& c : cases) {
-    const Outcome outcome = Develop(Sample(c.sample), c.flags, c.format);
-    ASSERT_EQ(outcome.result, DEIMG_OK) << c.sample;
-    EXPECT_EQ(outcome.lines.size(), c.lines);
-    EXPECT_EQ(outcome.lines[0].size(), c.lineBytes);
-    EXPECT_EQ(HashOf(outcome), c.hash)
-        << c.sample << ' ' << c.flags << ' ' << c.format << " lines " << outcome.lines.size()
-        << " bytes " << outcome.lines[0].size();
-  }
-  // Random cameras, 16 bits, each with its own settings.
-  std::uint64_t all = 0;
-  for (std::uint64_t seed = 1; seed <= 60; ++seed) {
-    const Outcome outcome = Develop(Serialize(rawfile::RandomCamera(seed)), 0, 7);
-    ASSERT_EQ(outcome.result, DEIMG_OK) << seed;
-    all = all * 31 + HashOf(outcome);
-  }
-  EXPECT_EQ(all, 9187354399063195119u);
-  EXPECT_GE(testing::LevelScope::Choices(), choices + 67) << "this level ran";
-}
+Bytes Coffee() { return testing::ReadFileBytes(DEIMG_SAMPLES "/coffee.raw"); }
 
 TEST(Job, ChecksItsArgumentsInOrder) {
   InputStream input({});
@@ -98,7 +39,7 @@ TEST(Job, ChecksItsArgumentsInOrder) {
 }
 
 TEST(Job, ReportsByMode) {
-  const Bytes file = Sample("coffee");
+  const Bytes file = Coffee();
   const auto reports = [&](std::uint16_t mode, std::uint32_t flags) {
     const Outcome outcome = Develop(file, flags, 4, nullptr, mode);
     EXPECT_EQ(outcome.result, DEIMG_OK);
@@ -137,36 +78,19 @@ TEST(Job, ReportsByMode) {
   }
 }
 
-TEST(Job, FileBackedPlaneGivesTheSameBytes) {
-  for (std::uint64_t seed = 100; seed < 106; ++seed) {
-    rawfile::RandomLimits limits;
-    limits.previewable = true;
-    const Bytes file = Serialize(rawfile::RandomCamera(seed, limits));
-    for (const std::uint32_t flags : {0u, 0x20u, 0x100u, 0x200u}) {
-      const Outcome inMemory = Develop(file, flags, 4);
-      const testing::FaultScope faults({.largest = 1 << 20});
-      EXPECT_EQ(Develop(file, flags, 4), inMemory) << seed << ' ' << flags;
-      EXPECT_EQ(inMemory.result, DEIMG_OK);
-      EXPECT_GT(testing::FaultScope::LargestRequest(), 1u << 21) << "the probe was refused";
-    }
-  }
-}
-
-TEST(Job, WhiteBalanceChoices) {
-  const Bytes file = Sample("coffee");
+TEST(Job, WhiteBalanceFromAPoint) {
+  const Bytes file = Coffee();
   const Outcome recorded = Develop(file, 0, 4);
   DevelopParams params = RecordedParams();
+  params.wbPreset = DEIMG_WB_POINT;
+  params.wbPointX = 300;
+  params.wbPointY = 100;
   const auto gains = [](const Outcome& outcome) {
     std::array<std::uint32_t, 4> g{};
     for (std::size_t i = 0; i < 4; ++i) g[i] = outcome.params.whiteBalance.wbGains[i];
     return g;
   };
-  EXPECT_EQ(Develop(file, 0, 4, &params), recorded);
-
-  // From a point, in every kind of job: the same gains, and the same picture as with them given.
-  params.wbPreset = DEIMG_WB_POINT;
-  params.wbPointX = 300;
-  params.wbPointY = 100;
+  // In every kind of job the same gains, and the same picture as with them given.
   const Outcome point = Develop(file, 0, 4, &params);
   EXPECT_EQ(point.result, DEIMG_OK);
   EXPECT_EQ(point.params.whiteBalance.wbGainsSet, 1);
@@ -176,99 +100,44 @@ TEST(Job, WhiteBalanceChoices) {
   }
   EXPECT_EQ(Develop(file, 0, 4, &point.params), point) << "gains that are there are kept";
 
-  DevelopParams given = point.params;
-  given.wbPreset = DEIMG_WB_GAINS;
-  EXPECT_EQ(gains(Develop(file, 0, 4, &given)), gains(point));
-  given.whiteBalance.wbGainsSet = 0;
-  EXPECT_NE(gains(Develop(file, 0, 4, &given)), gains(point)) << "the file's entry 6";
-  given.wbPreset = 2;
-  given.whiteBalance.wbGainsSet = 1;
-  EXPECT_NE(gains(Develop(file, 0, 4, &given)), gains(point)) << "the file's entry 2";
-  given.wbPreset = 7;
-  EXPECT_EQ(Develop(file, 0, 4, &given).result, DEIMG_UNSUPPORTED);
-
   const std::size_t width = recorded.lines[0].size() / 3;
   const std::size_t height = recorded.lines.size();
   for (const auto& [x, y, result] : {std::tuple{width, std::size_t{0}, DEIMG_UNSUPPORTED},
                                      {width - 1, height - 1, DEIMG_OK},
-                                     {std::size_t{0}, height, DEIMG_UNSUPPORTED}}) {
+                                     {std::size_t{0}, height, DEIMG_UNSUPPORTED},
+                                     {SIZE_MAX, std::size_t{0}, DEIMG_UNSUPPORTED}}) {
     params.wbPointX = static_cast<std::int32_t>(x);
     params.wbPointY = static_cast<std::int32_t>(y);
     EXPECT_EQ(Develop(file, 0, 4, &params).result, static_cast<std::uint32_t>(result));
   }
-  params.wbPointX = -1;
-  EXPECT_EQ(Develop(file, 0, 4, &params).result, DEIMG_UNSUPPORTED);
 }
 
-TEST(Job, SettingsThatAreRefused) {
-  const Bytes file = Sample("coffee");
-  struct Case {
-    std::int16_t DevelopParams::*field;
-    std::int16_t value;
-    std::uint32_t result;
-    bool opened;  // the output, before it is noticed
-  };
-  const Case cases[] = {
-      {&DevelopParams::processingSet, 2, DEIMG_UNSUPPORTED, false},
-      {&DevelopParams::processingSet, 4, DEIMG_UNSUPPORTED, false},
-      {&DevelopParams::matrixLevel, 2, DEIMG_UNSUPPORTED, false},
-      {&DevelopParams::colourLevel, -2, DEIMG_UNSUPPORTED, false},
-      {&DevelopParams::toneLevel, 2, DEIMG_UNSUPPORTED, true},
-      {&DevelopParams::exposureAdjust, 21, DEIMG_MISSING, true},
-      {&DevelopParams::exposureAdjust, -32768, DEIMG_MISSING, true},
-  };
-  for (const Case& c : cases) {
-    DevelopParams params = RecordedParams();
-    params.*c.field = c.value;
-    InputStream input(file);
-    OutputStream output;
-    EXPECT_EQ(DEImg_DevelopM480(input.get(), 0, 4, &params, output.get()), c.result) << c.value;
-    EXPECT_EQ(output.openMode == DEIMG_OPEN_TRUNCATE, c.opened) << c.value;
-    EXPECT_TRUE(output.lines.empty());
-    EXPECT_FALSE(output.closed);
+TEST(ApplyDefaults, WritesDefaultsOnlyIntoAnUnfilledBlock) {
+  DevelopParams params{};
+  params.unused4[1] = 9;
+  params.chromaMedian = -1;
+  params.toneLevel = 1;
+  params.wbPreset = 6;
+  params.whiteBalance.wbGainsSet = 1;
+  params.whiteBalance.wbGains[2] = 77;
+  ApplyDefaults(params);
+  EXPECT_EQ(params.toneLevel, DEIMG_AS_RECORDED);
+  EXPECT_EQ(params.wbPreset, DEIMG_AS_RECORDED);
+  EXPECT_EQ(params.chromaMedian, -1);
+  EXPECT_EQ(params.unused4[1], 0);
+  EXPECT_EQ(params.whiteBalance.wbGainsSet, 0);
+  EXPECT_EQ(+params.whiteBalance.wbGains[2], 77u) << "the gains stay, but are no longer valid";
+
+  for (const int preset : {-1, 6}) {
+    params.filled = 1;
+    params.wbPreset = static_cast<std::int16_t>(preset);
+    params.whiteBalance.wbGainsSet = 1;
+    ApplyDefaults(params);
+    EXPECT_EQ(params.whiteBalance.wbGainsSet, 1);
   }
-  DevelopParams params = RecordedParams();
-  params.toneLevel = 5;
-  params.matrixSelect = 1;  // plain processing looks at no tone level
-  EXPECT_EQ(Develop(file, 0, 4, &params).result, DEIMG_OK);
-}
-
-TEST(Job, PropertiesThatAreRefused) {
-  const auto result = [](auto change) {
-    rawfile::RandomLimits limits;
-    limits.previewable = true;
-    rawfile::RawFile file = rawfile::RandomCamera(4, limits);
-    file.properties.processingSet = 0;
-    change(file.properties);
-    return Develop(Serialize(file), 0, 4).result;
-  };
-  using rawfile::PropertySet;
-  EXPECT_EQ(result([](PropertySet&) {}), DEIMG_OK);
-  EXPECT_EQ(result([](PropertySet& p) { p.sensitivity = 200; }), DEIMG_UNSUPPORTED);
-  EXPECT_EQ(result([](PropertySet& p) { p.sensor.width++; }), DEIMG_UNSUPPORTED);
-  EXPECT_EQ(result([](PropertySet& p) { p.sensor.area.bottom = p.sensor.height; }),
-            DEIMG_UNSUPPORTED);
-}
-
-TEST(Job, SingleLineAndShiftedColumn) {
-  rawfile::RandomLimits limits;
-  limits.minWidth = limits.minHeight = 60;
-  rawfile::RawFile file = rawfile::RandomCamera(9, limits);
-  file.properties.sensor.area = {13, 7, 32, 9};
-  const Outcome three = Develop(Serialize(file), 0, 4);
-  ASSERT_EQ(three.lines.size(), 3u);
-  file.properties.sensor.area = {13, 7, 32, 7};
-  const Outcome one = Develop(Serialize(file), 0, 4);
-  ASSERT_EQ(one.lines.size(), 1u);
-  EXPECT_EQ(one.lines[0], three.lines[0]);
-  EXPECT_EQ(one.reports, (std::vector<int>{1, 100}));
-  // An area that starts at column 12 is delivered from column 11 on.
-  file.properties.sensor.area.left = 11;
-  const Outcome from11 = Develop(Serialize(file), 0, 4);
-  file.properties.sensor.area.left = 12;
-  const Outcome from12 = Develop(Serialize(file), 0, 4);
-  ASSERT_EQ(from12.lines[0].size(), 3u * 21);
-  EXPECT_TRUE(std::equal(from12.lines[0].begin(), from12.lines[0].end(), from11.lines[0].begin()));
+  params.whiteBalance.wbGainsSet = 2;
+  ApplyDefaults(params);
+  EXPECT_EQ(+params.whiteBalance.wbGains[2], 0u);
 }
 
 TEST(Thumbnail, LetterboxesAndCuts) {

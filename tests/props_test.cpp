@@ -1,10 +1,7 @@
 // The property heap, the fourteen properties and the diagnostics.
 #include <gtest/gtest.h>
 
-#include <array>
-#include <bit>
 #include <cstring>
-#include <functional>
 
 #include "props/diagnostics.h"
 #include "props/image_props.h"
@@ -27,11 +24,10 @@ Result ReadOne(const PropsHeap* heap, std::uint16_t tag, void* slot, std::size_t
 }
 
 /// Reads one property of a heap into a slot prefilled with 0xEE.
-Result ReadFrom(const Heap& heap, std::uint16_t tag, std::vector<std::uint8_t>& slot,
-                ByteOrder order = ByteOrder::kLittle) {
-  const Bytes bytes = heap.Serialize(order);
+Result ReadFrom(const Heap& heap, std::uint16_t tag, std::vector<std::uint8_t>& slot) {
+  const Bytes bytes = heap.Serialize(ByteOrder::kLittle);
   PropsHandle handle;
-  EXPECT_EQ(pxfPsReadOpenImagePropsFromMemory(bytes.data(), order == ByteOrder::kBig,
+  EXPECT_EQ(pxfPsReadOpenImagePropsFromMemory(bytes.data(), false,
                                               static_cast<std::uint32_t>(bytes.size()), &handle),
             kPropsOk);
   return ReadOne(handle.get(), tag, slot.data(), slot.size());
@@ -46,36 +42,6 @@ TEST(PropsHeap, FindsDepthFirstInDirectoryOrder) {
   EXPECT_EQ(std::memcmp(slot.data(), "deep", 4), 0);
   EXPECT_EQ(ReadFrom(heap, 0x0802, slot), kPropsNotFound);
   EXPECT_EQ(ReadFrom(heap, 0x3001, slot), kPropsNotFound);  // a sub-heap is never a property
-}
-
-/// Values come out in the machine's byte order, whatever the file's.
-TEST(PropsHeap, CopiesByTypeOrderAndSize) {
-  Heap heap;
-  heap.Add(0x1001, {0x12, 0x34, 0x56, 0x78, 0x9A});
-  heap.Add(0x1802, {0x01, 0x02, 0x03, 0x04, 0x05, 0x06, 0x07, 0x08});
-  heap.AddInEntry(0x5803, {0, 0, 0, 1, 0, 0, 0, 2});
-  std::vector<std::uint8_t> slot;
-  const auto read = [&](std::uint16_t tag, std::size_t size, ByteOrder order) {
-    slot.assign(size, 0xEE);
-    ASSERT_EQ(ReadFrom(heap, tag, slot, order), kPropsOk);
-  };
-  const auto at16 = [&](std::size_t i) {
-    return std::bit_cast<std::uint16_t>(std::array{slot[i], slot[i + 1]});
-  };
-  const auto at32 = [&](std::size_t i) {
-    return std::bit_cast<std::uint32_t>(std::array{slot[i], slot[i + 1], slot[i + 2], slot[i + 3]});
-  };
-  read(0x1001, 6, ByteOrder::kBig);
-  EXPECT_EQ(at16(0), 0x1234);
-  EXPECT_EQ(at16(2), 0x5678);
-  EXPECT_EQ(at16(4), 0xEEEE) << "half a value is left out";
-  read(0x1001, 6, ByteOrder::kLittle);
-  EXPECT_EQ(at16(0), 0x3412);
-  read(0x1802, 4, ByteOrder::kBig);  // cut to the slot
-  EXPECT_EQ(at32(0), 0x01020304u);
-  read(0x5803, 8, ByteOrder::kBig);
-  EXPECT_EQ(at32(0), 1u);
-  EXPECT_EQ(at32(4), 2u);
 }
 
 TEST(PropsHeap, RefusesWhatLeavesIt) {
@@ -152,25 +118,6 @@ Result ReadProps(Bytes file, ImageProps& props) {
   return pxfPsReadOpenImageProps(block, props);
 }
 
-TEST(ImageProps, SameInBothByteOrders) {
-  for (std::uint64_t seed = 1; seed <= 6; ++seed) {
-    rawfile::RawFile file = rawfile::RandomCamera(seed);
-    ImageProps little{};
-    ImageProps big{};
-    file.order = ByteOrder::kLittle;
-    ASSERT_EQ(ReadProps(Serialize(file), little), DEIMG_OK) << seed;
-    file.order = ByteOrder::kBig;
-    ASSERT_EQ(ReadProps(Serialize(file), big), DEIMG_OK) << seed;
-    EXPECT_EQ(std::memcmp(&little, &big, sizeof(ImageProps)), 0) << seed;
-    EXPECT_EQ(little.sensor.width, file.plane.width);
-    EXPECT_EQ(little.sensor.areaBottom, file.properties.sensor.area.bottom);
-    EXPECT_EQ(little.codeSetIndex(), file.properties.decoder.codeSet);
-    EXPECT_EQ(little.presetGains[6][3], file.properties.presetGains[6][3]);
-    EXPECT_EQ(little.blackLevelWords[2], file.properties.blackLevels[2]);
-    EXPECT_EQ(little.recordedColourLevel(), file.properties.colourLevel);
-  }
-}
-
 TEST(ImageProps, AllFourteenAreNeeded) {
   for (const std::uint16_t tag : rawfile::kPropertyTags) {
     rawfile::RawFile file = rawfile::RandomCamera(7);
@@ -179,17 +126,6 @@ TEST(ImageProps, AllFourteenAreNeeded) {
     ImageProps props{};
     EXPECT_EQ(ReadProps(Serialize(file), props), DEIMG_PROPS_UNREADABLE) << tag;
   }
-}
-
-TEST(ImageProps, ShortRecordLeavesTheRestZero) {
-  rawfile::RawFile file = rawfile::RandomCamera(7);
-  file.order = ByteOrder::kLittle;
-  file.properties.trailing.clear();
-  file.properties.overrides[rawfile::kTagUnread10C0] = Bytes(20, 0x11);
-  ImageProps props{};
-  ASSERT_EQ(ReadProps(Serialize(file), props), DEIMG_OK);
-  EXPECT_EQ(props.slot8[9], 0x1111);
-  EXPECT_EQ(props.slot8[10], 0);
 }
 
 TEST(ImageProps, ChecksHeaderAndDirectory) {

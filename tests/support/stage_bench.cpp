@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "base/byte_order.h"
+#include "rawfile/random_camera.h"
 
 #if defined(__SANITIZE_ADDRESS__)
 #define DEIMG_POISON
@@ -62,54 +63,16 @@ StageBench::StageBench(int width, unsigned seed) : random(seed) {
 
 void StageBench::Randomise(bool hostile) {
   const auto any = [&] { return static_cast<std::uint16_t>(random()); };
-  TuningBlock::Words words{};
-  if (hostile) std::generate(words.begin(), words.end(), any);
-  tuning = std::bit_cast<TuningBlock>(words);
   const auto small = [&](int low, int high) {
     return static_cast<std::int16_t>(Random(low, high));
   };
-  const auto pick = [&](std::initializer_list<int> from) {
-    return static_cast<std::int16_t>(from.begin()[random() % from.size()]);
-  };
-  tuning.smoothSelect = small(0, 1);
-  tuning.greenChoiceEnable = small(0, 1);
-  for (FilterTuning& f : tuning.filters) {
-    f.aFilterSlopeShift = static_cast<std::uint16_t>(Random(0, 8));
-    f.hokanLpfSelect = pick({24, 33, 42, 55, 98, 111, 116, 125, 128});
-    f.verLpfKernelSelect = pick({8, 9, 10, 15, 24, 26, 28});
-    if (hostile) continue;
-    f.aFilterCoreLevel = static_cast<std::uint16_t>(Random(0, 64));
-    f.directionThreshold = small(-20, 300);
-    f.detailGainLow = static_cast<std::uint16_t>(Random(0, 16));
-    f.detailGainMix = static_cast<std::uint16_t>(Random(0, 8));
-  }
-  for (DetailTuning& d : tuning.details) {
-    d.hApcLayout = 32;
-    d.vApcLayout = 6;
-    d.vApcFilter = pick({0, 5, 5, 3});
-    d.rApcHorizontalMode = pick({0, 2, 3});
-    d.rApcVerticalMode = pick({0, 2});
-    d.rApcBlend = hostile ? small(0, 32767) : small(0, 8);
-    for (ApcCurveParams* c : {&d.hApcShort, &d.hApcLong, &d.vApc, &d.rApc, &d.aApc}) {
-      for (std::int16_t& code : c->slopeCode) code = small(0, hostile ? 13 : 11);
-      if (hostile && Random(0, 1) == 0) continue;
-      c->knee1 = small(0, 40);
-      c->knee2 = small(20, 400);
-      for (std::int16_t& offset : c->offset) offset = small(-40, 80);
+  tuning = rawfile::RandomCamera(random(), {.maxWidth = 16, .maxHeight = 8}).properties.tuning;
+  if (hostile) {
+    auto words = std::bit_cast<TuningBlock::Words>(tuning);
+    for (std::uint16_t& word : words) {
+      if (Random(0, 11) == 0) word = any();
     }
-    d.gain.riseCode = static_cast<std::uint16_t>(Random(0, 3));
-    d.gain.fallCode = static_cast<std::uint16_t>(Random(0, 3));
-    d.gain.endCode = static_cast<std::uint16_t>(Random(0, 7));
-    d.gain.negativeModeA = small(-1, 2);
-    d.gain.negativeModeB = small(0, d.gain.negativeModeA == 1 ? 3 : 2);
-    if (!hostile) {
-      for (std::int16_t& peak : d.gain.peak) peak = small(0, 60);
-    }
-  }
-  for (ChromaSuppression& s : tuning.chromaSuppression) {
-    s.darkCode = static_cast<std::uint16_t>(Random(0, 3));
-    s.slope2Code = static_cast<std::uint16_t>(pick({0, 1, 2, 4, 5, 6, 7, 8, 11}));
-    s.slope3Code = static_cast<std::uint16_t>(pick({0, 1, 2, 4, 5, 6, 7, 8, 11}));
+    tuning = std::bit_cast<TuningBlock>(words);
   }
   const auto level = [&] { return small(-1, 1); };
   const int set = Random(0, 3);
@@ -135,13 +98,20 @@ void StageBench::Randomise(bool hostile) {
   tables.chromaGainCr = hostile ? static_cast<std::int16_t>(any()) : small(60, 200);
 }
 
-Result StageBench::Start(const Level& level, bool narrow, int line) {
+void StageBench::StartAnywhere(const Level& level, bool hostile, bool narrow, int line) {
   narrow_ = narrow;
   const auto make = narrow ? level.code.makeNarrowGraph : level.code.makeWideGraph;
-  graph_ = make(*plane.get(), {settings, tables, tuning, geometry}, 1 + Random(0, 1));
-  if (!graph_) return DEIMG_OUT_OF_MEMORY;
-  Find(TypeId::kLastStageRgb).ComputeContext(kGuardLines);
-  return Find(TypeId::kLastStageRgb).Start(line);
+  Result result;
+  do {  // until no stage refuses its settings
+    Randomise(hostile);
+    if (!narrow && hostile) {
+      for (std::int32_t& gain : settings.wbGains) gain = static_cast<std::int32_t>(random());
+    }
+    graph_ = make(*plane.get(), {settings, tables, tuning, geometry}, 1 + Random(0, 1));
+    Find(TypeId::kLastStageRgb).ComputeContext(kGuardLines);
+    result = Find(TypeId::kLastStageRgb).Start(line);
+  } while (hostile && result != DEIMG_OK);
+  ASSERT_EQ(result, DEIMG_OK);
 }
 
 bool StageBench::IsNarrow(const ComponentX& component) const {

@@ -17,11 +17,10 @@ class StageBench {
  public:
   explicit StageBench(int width, unsigned seed);
 
-  /// Random legal settings and tuning, or random words wherever a stage takes any.
-  void Randomise(bool hostile);
-  /// Makes the graph with narrow or wide samples and starts it at `line`. Every ring gets more
-  /// lines than its readers declare.
-  [[nodiscard]] Result Start(const Level& level, bool narrow, int line);
+  /// Makes the graph with narrow or wide samples and starts it at `line`, with random settings and
+  /// tuning, a part of them any words that the stages take. Every ring gets more lines than its
+  /// readers declare.
+  void StartAnywhere(const Level& level, bool hostile, bool narrow, int line);
 
   [[nodiscard]] ComponentX& Find(TypeId type) const { return *graph_->Find(type); }
   /// Fills the lines of a stage's inputs: those inside its window when `inside`, else the others.
@@ -40,6 +39,7 @@ class StageBench {
   MemoryStream plane;
 
  private:
+  void Randomise(bool hostile);
   [[nodiscard]] bool IsNarrow(const ComponentX& component) const;
   Sample RandomSample(const ComponentX& component);
   int Random(int low, int high) { return std::uniform_int_distribution<int>(low, high)(random); }

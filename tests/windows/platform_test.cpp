@@ -114,25 +114,6 @@ void WorkFileIsNobodyElses() {
   const std::FILE* const opened = std::fopen(path.c_str(), "r+b");
   CHECK(opened == nullptr);
   CHECK(DeleteFileA(path.c_str()) == FALSE);
-
-  CallerStream& s = *stream.get();
-  std::uint32_t position = 0;
-  char read[8] = {};
-  CHECK(Tell(s, position) == DEIMG_FILE_NOT_OPEN);
-  CHECK(Open(s, DEIMG_OPEN_TRUNCATE) == DEIMG_OK);
-  CHECK(Write(s, "hello", 5) == DEIMG_OK);
-  CHECK(Seek(s, DEIMG_SEEK_BEGINNING, -1) == DEIMG_FILE_SEEK);
-  CHECK(Open(s, DEIMG_OPEN_UPDATE) == DEIMG_OK);
-  CHECK(Write(s, "J", 1) == DEIMG_OK);
-  CHECK(Seek(s, DEIMG_SEEK_END, 0) == DEIMG_OK);
-  CHECK(Tell(s, position) == DEIMG_OK && position == 5);
-  CHECK(Open(s, DEIMG_OPEN_READ) == DEIMG_OK);
-  CHECK(Read(s, read, 8, position) == DEIMG_OK && position == 5);
-  CHECK(std::strcmp(read, "Jello") == 0);
-  CHECK(Open(s, DEIMG_OPEN_TRUNCATE) == DEIMG_OK);
-  CHECK(Seek(s, DEIMG_SEEK_END, 0) == DEIMG_OK);
-  CHECK(Tell(s, position) == DEIMG_OK && position == 0);
-  CHECK(Close(s) == DEIMG_OK);
   stream.Release();
   CHECK(OnlyWorkFile().empty());
 }

@@ -1,5 +1,5 @@
-// A host in C++: cpp_host RAW writes the developed picture as PPM to standard output, and checks on
-// the way what the host helpers promise.
+// A host in C++: cpp_host RAW PICTURE writes the developed picture as PPM, and checks on the way
+// what the host helpers promise.
 #include <cstdio>
 #include <deimg/streams.hpp>
 #include <fstream>
@@ -81,9 +81,11 @@ int main(int, char** argv) try {
   options.format = DEIMG_FORMAT_16BIT;
   Require(host::Develop(file, options).lineBytes == 2 * picture.lineBytes, "16 bits");
 
-  std::printf("P6\n%zu %zu\n255\n", picture.lineBytes / 3, picture.lines());
-  std::fwrite(picture.samples.data(), 1, picture.samples.size(), stdout);
-  return 0;
+  std::ofstream ppm(argv[2], std::ios::binary);
+  ppm << "P6\n" << picture.lineBytes / 3 << ' ' << picture.lines() << "\n255\n";
+  ppm.write(reinterpret_cast<const char*>(picture.samples.data()),
+            static_cast<std::streamsize>(picture.samples.size()));
+  return ppm.flush() ? 0 : 1;
 } catch (const std::exception& error) {
   std::fprintf(stderr, "cpp_host: %s\n", error.what());
   return 1;
