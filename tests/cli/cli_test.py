@@ -284,21 +284,24 @@ class Terminal(Case):
         return child.wait(), seen.decode().replace("\r\n", "\n")
 
     def test_bar(self):
-        raws = []
-        for i in range(12):
-            os.symlink(LANDSCAPE, self.dir / f"{i}.raw")
-            raws.append(f"{i}.raw")
-        status, seen = self.on_terminal("develop", *raws, "missing.raw", "-o", "out/", "-j", "2")
-        self.assertEqual(status, 2)
+        # In the middle comes a file that lets the program wait until there is something to estimate from.
+        raws = [f"{i}.raw" for i in range(6)]
+        for raw in raws:
+            os.mkfifo(self.dir / raw) if raw == "3.raw" else os.symlink(COFFEE, self.dir / raw)
+        feeder = subprocess.Popen(["sh", "-c", 'exec > 3.raw; sleep 0.7; cat "$1"', "sh", COFFEE], cwd=self.dir)
+        status, seen = self.on_terminal("develop", *raws, "missing.raw", "-o", "out/", "-j", "1")
+        self.assertEqual([status, feeder.wait()], [2, 0])
         frames = [re.sub(r"\x1b\[K", "", frame) for frame in seen.split("\r")]
-        bars = [re.fullmatch(r"(\d+)/13 files \[(#*)(\.*)\] +(\d+) %(.*)", frame) for frame in frames]
-        bars = [bar for bar in bars if bar]
-        self.assertGreater(len(bars), 5)
-        percents = [int(bar[4]) for bar in bars]
-        self.assertEqual(percents, sorted(percents))
-        self.assertTrue(any(re.search(r"\d files/s  \d+:\d\d left", bar[5]) for bar in bars))
+        bars = [re.fullmatch(r"(\d)/7 files \[(#*)(\.*)\] +(\d+) %(.*)", frame) for frame in frames]
+        bars = [[int(bar[1]), len(bar[2]) / len(bar[2] + bar[3]), int(bar[4]) / 100, bar[5]] for bar in bars if bar]
+        self.assertEqual(bars[0][:3], [0, 0, 0])
+        done, cells, share, estimate = next(bar for bar in bars if bar[3])
+        self.assertEqual(done, 3)
+        self.assertTrue(3 / 7 - 0.01 <= share <= 4 / 7 and share - 0.025 <= cells <= share + 0.01, (cells, share))
+        self.assertRegex(estimate, r"\A  \d+\.\d files/s  \d+:\d\d left\Z")
+        self.assertEqual(bars, sorted(bars, key=lambda bar: bar[2]))
         self.assertLess(max(len(frame) for frame in frames[:-1]), 80)
-        self.assertRegex(frames[-1], r"\Adeimg: missing.raw: .*\n12 of 13 files developed, 1 failed in \d+:\d\d\n\Z")
+        self.assertRegex(frames[-1], r"\Adeimg: missing.raw: .*\n6 of 7 files developed, 1 failed in \d+:\d\d\n\Z")
         status, seen = self.on_terminal("develop", "0.raw", columns=30)
         self.assertRegex(seen, r"0\.raw -> 0\.png \(\d+\.\d s\)\n\Z")
 

@@ -17,8 +17,8 @@ void LastErrorText(char* buffer, std::size_t size) noexcept {
 }
 
 void ShowMessage(const char* text, const char* caption, MessageIcon icon) noexcept {
-  MessageBoxA(nullptr, text, caption,
-              MB_OK | (icon == MessageIcon::kError ? MB_ICONERROR : MB_ICONINFORMATION));
+  const UINT style = icon == MessageIcon::kError ? MB_ICONERROR : MB_ICONINFORMATION;
+  MessageBoxA(nullptr, text, caption, MB_OK | style);
 }
 
 }  // namespace deimg::platform
