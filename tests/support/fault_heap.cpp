@@ -1,9 +1,10 @@
 #include "support/fault_heap.h"
 
-#include <malloc.h>
-
 #include <algorithm>
+#include <array>
+#include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <utility>
 
 #include "platform/platform.h"
@@ -22,13 +23,15 @@ struct Counters {
 
 thread_local Counters counters;
 
-std::size_t HeldBytes(void* allocation) {
-#ifdef _WIN32
-  return _msize(allocation);
-#else
-  return malloc_usable_size(allocation);
-#endif
-}
+/// What stands in front of a piece of memory; behind it stands a guard. The place within 64 bytes
+/// is the one where blocks that are aligned to 64 end right in front of the guard.
+struct Front {
+  void* made;
+  std::size_t bytes;
+};
+constexpr std::size_t kPlace = 48;
+constexpr std::array<std::uint8_t, 16> kGuard = {0xDE, 0xAD, 0xBE, 0xEF};
+constexpr std::size_t kMostFilled = std::size_t{1} << 20;  // more would be touched for nothing
 
 bool Fails(std::size_t bytes) {
   const testing::HeapFaults& f = counters.faults;
@@ -44,18 +47,31 @@ void* HeapAllocate(std::size_t bytes, bool zeroed) noexcept {
   ++counters.allocations;
   counters.largest = std::max(counters.largest, bytes);
   if (Fails(bytes)) return nullptr;
-  void* const made = zeroed ? std::calloc(1, bytes) : std::malloc(bytes);
+  void* const made = std::calloc(1, 2 * 64 + bytes + kGuard.size());
   if (made == nullptr) return nullptr;
+  const auto start = (reinterpret_cast<std::uintptr_t>(made) + 63) / 64 * 64 + kPlace;
+  auto* const memory = reinterpret_cast<std::uint8_t*>(start);
+  const Front front{made, bytes};
+  std::memcpy(memory - sizeof(Front), &front, sizeof(Front));
+  std::memcpy(memory + bytes, kGuard.data(), kGuard.size());
+  if (!zeroed && bytes <= kMostFilled) std::memset(memory, 0xA5, bytes);
   ++counters.live;
-  counters.bytes += HeldBytes(made);
+  counters.bytes += bytes;
   counters.peakBytes = std::max(counters.peakBytes, counters.bytes);
-  return made;
+  return memory;
 }
 
 bool HeapRelease(void* allocation) noexcept {
+  Front front;
+  const auto* const memory = static_cast<std::uint8_t*>(allocation);
+  std::memcpy(&front, memory - sizeof(Front), sizeof(Front));
+  if (std::memcmp(memory + front.bytes, kGuard.data(), kGuard.size()) != 0) {
+    std::fprintf(stderr, "written behind a block of %zu bytes\n", front.bytes);
+    std::abort();
+  }
   --counters.live;
-  counters.bytes -= HeldBytes(allocation);
-  std::free(allocation);
+  counters.bytes -= front.bytes;
+  std::free(front.made);
   return !counters.faults.refuseRelease;
 }
 

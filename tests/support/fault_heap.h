@@ -1,4 +1,5 @@
-/// The process heap of the test build: the platform's, made to fail on request.
+/// The process heap of the test build: fails on request, and ends the process when somebody wrote
+/// behind a block.
 #ifndef DEIMG_TESTS_SUPPORT_FAULT_HEAP_H
 #define DEIMG_TESTS_SUPPORT_FAULT_HEAP_H
 
