@@ -11,7 +11,6 @@ namespace {
 using testing::Develop;
 using testing::InputStream;
 using testing::Op;
-using testing::Outcome;
 using testing::OutputStream;
 using testing::RecordedParams;
 using Bytes = std::vector<std::uint8_t>;
@@ -38,23 +37,8 @@ TEST(Job, ChecksItsArgumentsInOrder) {
   EXPECT_EQ(develop(&lacking, 0, 4, output.get()), DEIMG_MISSING);
 }
 
-TEST(Job, ReportsByMode) {
+TEST(Job, LooksAtProgressWheneverItReports) {
   const Bytes file = Coffee();
-  const auto reports = [&](std::uint16_t mode, std::uint32_t flags) {
-    const Outcome outcome = Develop(file, flags, 4, nullptr, mode);
-    EXPECT_EQ(outcome.result, DEIMG_OK);
-    return outcome.reports;
-  };
-  for (const std::uint32_t flags : {0u, 0x100u, 0x200u}) {
-    EXPECT_TRUE(reports(DEIMG_PROGRESS_NEVER, flags).empty());
-    EXPECT_EQ(reports(DEIMG_PROGRESS_FINAL, flags), (std::vector<int>{100}));
-  }
-  EXPECT_EQ(reports(DEIMG_PROGRESS_ALL, 0x200), (std::vector<int>{1, 7, 50, 70, 100}));
-  const std::vector<int> full = reports(DEIMG_PROGRESS_ALL, 0);
-  EXPECT_EQ(full.front(), 1);
-  EXPECT_EQ(full.back(), 100);
-  for (std::size_t i = 2; i + 1 < full.size(); ++i) EXPECT_GE(full[i], full[i - 1] + 12);
-
   // A host may take its Progress away, or first give it, at any call.
   for (const std::uint32_t flags : {0u, 0x100u, 0x200u}) {
     for (const Op at : {Op::kOpen, Op::kWrite, Op::kProgress}) {
@@ -75,40 +59,6 @@ TEST(Job, ReportsByMode) {
         EXPECT_EQ(last, gives && at != Op::kProgress) << flags << static_cast<int>(at);
       }
     }
-  }
-}
-
-TEST(Job, WhiteBalanceFromAPoint) {
-  const Bytes file = Coffee();
-  const Outcome recorded = Develop(file, 0, 4);
-  DevelopParams params = RecordedParams();
-  params.wbPreset = DEIMG_WB_POINT;
-  params.wbPointX = 300;
-  params.wbPointY = 100;
-  const auto gains = [](const Outcome& outcome) {
-    std::array<std::uint32_t, 4> g{};
-    for (std::size_t i = 0; i < 4; ++i) g[i] = outcome.params.whiteBalance.wbGains[i];
-    return g;
-  };
-  // In every kind of job the same gains, and the same picture as with them given.
-  const Outcome point = Develop(file, 0, 4, &params);
-  EXPECT_EQ(point.result, DEIMG_OK);
-  EXPECT_EQ(point.params.whiteBalance.wbGainsSet, 1);
-  EXPECT_NE(point, recorded);
-  for (const std::uint32_t flags : {0x20u, 0x100u, 0x200u}) {
-    EXPECT_EQ(gains(Develop(file, flags, 4, &params)), gains(point));
-  }
-  EXPECT_EQ(Develop(file, 0, 4, &point.params), point) << "gains that are there are kept";
-
-  const std::size_t width = recorded.lines[0].size() / 3;
-  const std::size_t height = recorded.lines.size();
-  for (const auto& [x, y, result] : {std::tuple{width, std::size_t{0}, DEIMG_UNSUPPORTED},
-                                     {width - 1, height - 1, DEIMG_OK},
-                                     {std::size_t{0}, height, DEIMG_UNSUPPORTED},
-                                     {SIZE_MAX, std::size_t{0}, DEIMG_UNSUPPORTED}}) {
-    params.wbPointX = static_cast<std::int32_t>(x);
-    params.wbPointY = static_cast<std::int32_t>(y);
-    EXPECT_EQ(Develop(file, 0, 4, &params).result, static_cast<std::uint32_t>(result));
   }
 }
 

@@ -50,13 +50,6 @@ ReadBack Read(const RawFile& file) {
   return back;
 }
 
-RawFile NaturalFile(Plane plane) {
-  RawFile file;
-  file.properties = rawfile::NaturalProperties();
-  file.SetPlane(std::move(plane));
-  return file;
-}
-
 /// The developed picture as one run of bytes; empty after a failure.
 std::vector<uint8_t> Developed(const RawFile& file) {
   std::vector<uint8_t> pixels;
@@ -83,31 +76,6 @@ TEST(RawFileWriter, CodedBytesAreTheFormats) {
                          0,    0,    0,    0,    0,    0,    0,    0,  // low bits
                          0x55, 0x55, 0x55, 0xF7, 0xEC, 0x55, 0x55, 0x55}));
   EXPECT_EQ(EncodeSensorData(grey, {}).size(), 16u + 65536u);
-}
-
-TEST(RawFileWriter, EveryRunAndSizeDecodes) {
-  // One block per run of zeros and size of difference, for all code sets and both ways to end.
-  Plane plane{64, 160, {}};
-  for (int block = 0; block < 160; ++block) {
-    const int run = block % 16 + (block / 16 % 4) * 16;
-    const int difference = (1 << (block / 16)) - (block % 2);
-    for (int k = 0; k < 64; ++k) {
-      const int level = block % 4 < 2 ? 512 + difference / 2 : 512 - difference / 2;
-      const int moved = block % 4 < 2 ? level - difference : level + difference;
-      const int value = k <= run ? level : std::clamp(moved, 0, 1023);
-      plane.samples.push_back(static_cast<uint16_t>(4 * std::clamp(value, 0, 1023) + (k & 3)));
-    }
-  }
-  for (uint32_t set = 0; set < 3; ++set) {
-    for (const bool runs : {false, true}) {
-      RawFile file = NaturalFile(plane);
-      file.properties.decoder = {set, 3 * set, 60000};
-      file.coding = {.stuffing = static_cast<uint8_t>(0x12 + 0xED * runs), .runsToLastEntry = runs};
-      const ReadBack back = Read(file);
-      EXPECT_EQ(back.result, 0u);
-      EXPECT_TRUE(back.samples == plane.samples) << "set " << set << " runs " << runs;
-    }
-  }
 }
 
 TEST(RawFileWriter, RefusesWhatTheCodeCannotHold) {
@@ -168,16 +136,6 @@ TEST(Pictures, ComeBack) {
     double sum = 0;
     for (size_t i = 0; i < got.size(); ++i) sum += std::abs(got[i] - wanted[i]);
     EXPECT_LT(sum / static_cast<double>(got.size()), meanDifference) << scene;
-  }
-}
-
-TEST(Pictures, PatchesKeepTheirColours) {
-  const rawfile::PictureSource chart = rawfile::MakeScene("chart", 576, 256);
-  const std::vector<uint8_t> wanted = PixelsOf(chart), got = Developed(PictureFile(chart));
-  ASSERT_EQ(got.size(), wanted.size());
-  for (size_t patch = 0; patch < 18; ++patch) {  // two rows of nine, 64 x 32 each
-    const size_t pixel = 3 * (576 * (80 + 32 * (patch / 9)) + 32 + 64 * (patch % 9));
-    for (size_t i = pixel; i < pixel + 3; ++i) EXPECT_NEAR(got[i], wanted[i], 3) << patch;
   }
 }
 
