@@ -129,48 +129,39 @@ TEST(ImageProps, AllFourteenAreNeeded) {
 }
 
 TEST(ImageProps, ChecksHeaderAndDirectory) {
-  const auto put32 = [](Bytes& bytes, std::size_t at, std::uint32_t value) {
-    for (int i = 0; i < 4; ++i)
-      bytes[at + static_cast<std::size_t>(i)] = static_cast<std::uint8_t>(value >> 8 * i);
-  };
-  Bytes file(26 + 40, 0);
-  file[0] = file[1] = 'I';
-  put32(file, 2, 26);
-  ImageProps props{};
-  EXPECT_EQ(ReadProps(file, props), DEIMG_PROPS_UNREADABLE);  // no image property block
-  EXPECT_EQ(ReadProps(Bytes(25, 'I'), props), DEIMG_PROPS_UNREADABLE);
-  Bytes bad = file;
-  bad[1] = 'M';
-  EXPECT_EQ(ReadProps(bad, props), DEIMG_PROPS_UNREADABLE);
-  for (const std::uint32_t headerLength : {25u, 61u, 67u, 0xFFFFFFFFu}) {
-    bad = file;
-    put32(bad, 2, headerLength);
-    EXPECT_EQ(ReadProps(bad, props), DEIMG_PROPS_UNREADABLE) << headerLength;
-  }
-  bad = file;
-  put32(bad, 62, 35);  // the directory may start at 34 at the latest
-  EXPECT_EQ(ReadProps(bad, props), DEIMG_PROPS_UNREADABLE);
-  // The last entry may end the file, its offset being the directory's, and no further.
-  for (const std::uint32_t directory : {18u, 19u, 28u, 29u}) {
-    const std::size_t at = 26 + directory;
-    bad.assign(at + 12, 0);
-    std::copy_n(file.begin(), 26, bad.begin());
-    bad[at] = directory % 10 == 8 ? 1 : 2;
-    put32(bad, at + 8, directory);
-    // The block, if any, is found: what is refused then is that nothing is in it.
-    EXPECT_EQ(ReadProps(bad, props), DEIMG_PROPS_UNREADABLE);
-    testing::InputStream input(bad);
+  // A file of 50 bytes whose heap starts at `header` and holds, at `directory`, `count` entries.
+  const auto read = [](std::uint32_t header, std::uint32_t directory, int count, char order = 'I') {
+    Bytes file(50, 0);
+    const auto put = [&](std::size_t at, std::uint32_t value, std::size_t size) {
+      for (std::size_t i = 0; i < size && at + i < file.size(); ++i) {
+        file[at + i] = static_cast<std::uint8_t>(value >> 8 * i);
+      }
+    };
+    file[0] = 'I';
+    file[1] = static_cast<std::uint8_t>(order);
+    put(2, header, 4);
+    put(header + directory, static_cast<std::uint32_t>(count), 2);
+    put(header + directory + 2, 0x300A, 2);
+    put(46, directory, 4);
+    testing::InputStream input(file);
     ImagePropsBlock block;
-    EXPECT_EQ(ReadImagePropsBlock(*input.get(), block),
-              directory % 10 == 8 ? Result{DEIMG_OK} : Result{DEIMG_PROPS_UNREADABLE});
-  }
-  // Too many entries: the size of the directory is looked at before its place.
-  bad = file;
-  bad[26] = 3277 & 0xFF;
-  bad[27] = 3277 >> 8;
-  EXPECT_EQ(ReadProps(bad, props), DEIMG_PROPS_DIRECTORY_TOO_LARGE);
-  bad[26] = 3276 & 0xFF;
-  EXPECT_EQ(ReadProps(bad, props), DEIMG_PROPS_UNREADABLE);
+    return ReadImagePropsBlock(*input.get(), block);
+  };
+  EXPECT_EQ(read(26, 8, 1), DEIMG_OK);
+  EXPECT_EQ(read(26, 8, 1, 'M'), DEIMG_PROPS_UNREADABLE);
+  EXPECT_EQ(read(25, 9, 1), DEIMG_PROPS_UNREADABLE) << "a heap in the header";
+  EXPECT_EQ(read(51, 0, 0), DEIMG_PROPS_UNREADABLE);
+  EXPECT_EQ(read(44, 0, 0), DEIMG_OK) << "a count and an offset";
+  EXPECT_EQ(read(45, 0, 0), DEIMG_PROPS_UNREADABLE);
+  EXPECT_EQ(read(26, 18, 0), DEIMG_OK);
+  EXPECT_EQ(read(26, 19, 0), DEIMG_PROPS_UNREADABLE);
+  EXPECT_EQ(read(26, 12, 1), DEIMG_OK) << "the last entry ends the file, and is its offset";
+  EXPECT_EQ(read(26, 13, 1), DEIMG_PROPS_UNREADABLE);
+  EXPECT_EQ(read(26, 8, 3276), DEIMG_PROPS_UNREADABLE);
+  EXPECT_EQ(read(26, 8, 3277), DEIMG_PROPS_DIRECTORY_TOO_LARGE) << "its size is looked at first";
+  testing::InputStream tooShort(Bytes(25, 'I'));
+  ImagePropsBlock block;
+  EXPECT_EQ(ReadImagePropsBlock(*tooShort.get(), block), DEIMG_PROPS_UNREADABLE);
 }
 
 TEST(Diagnostics, HandleAllocationFailureIsPrinted) {

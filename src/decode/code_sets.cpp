@@ -1,5 +1,9 @@
 #include "decode/code_sets.h"
 
+#include <algorithm>
+#include <iterator>
+#include <numeric>
+
 namespace deimg {
 namespace {
 
@@ -55,6 +59,15 @@ constexpr CodeSet kCodeSets[] = {
     },
 };
 // clang-format on
+
+template <typename Code>
+constexpr bool IsFull(const Code& code) {
+  return std::accumulate(code.counts.begin(), code.counts.end(), std::size_t{0}) ==
+         code.symbols.size();
+}
+static_assert(std::all_of(std::begin(kCodeSets), std::end(kCodeSets), [](const CodeSet& set) {
+  return IsFull(set.firstValue) && IsFull(set.runSize);
+}));
 
 }  // namespace
 

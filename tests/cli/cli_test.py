@@ -383,48 +383,7 @@ class Reports(Case):
         self.assertEqual([events[-1][k] for k in ("files", "done", "failed", "interrupted")], [2, 1, 1, False])
 
 
-class Documents(Case):
-    def setUp(self):
-        super().setUp()
-        self.helped = " ".join(self.run_deimg(command, "--help").stdout.decode()
-                               for command in ("develop", "preview", "thumbnail", "info", "check"))
-        packaging = SOURCE / "packaging"
-        self.texts = {"manual": (packaging / "deimg.1.in").read_text().replace("\\-", "-"),
-                      "bash": (packaging / "completions/deimg.bash").read_text(),
-                      "zsh": (packaging / "completions/_deimg").read_text(),
-                      "fish": re.sub(r"(?m)^(complete .*) -l (\S+)", r"\1 --\2", (packaging / "completions/deimg.fish").read_text()),
-                      "document": (SOURCE / "docs/command-line.md").read_text().replace("\u2212", "-")}
-
-    def test_every_option_is_documented_everywhere(self):
-        every = set(re.findall(r"(?<!\S)(?:-\w,)?(--[a-z][a-z-]+)", self.helped)) | {"--version"}
-        self.assertGreater(len(every), 20)
-        for where, text in self.texts.items():
-            self.assertEqual(every - set(re.findall(r"--[a-z][a-z-]+", text)), set(), f"missing in {where}")
-        for shell in ("bash", "zsh", "fish"):
-            unknown = set(re.findall(r"(?<=[\s'}(,])--[a-z][a-z-]+", self.texts[shell])) - every
-            self.assertEqual(unknown, set(), f"unknown in {shell}")
-
-    def test_every_choice_is_documented_everywhere(self):
-        choices = {option: set(re.findall(r"[\w-]+", words.replace(" or ", " "))) for option, words in re.findall(
-            r"(--[a-z-]+) [A-Z]+ [^.;:]*?[:,] ((?:[\w-]+, )*[\w-]+,? or [\w-]+)", " ".join(self.helped.split()))}
-        self.assertEqual(len(choices), 7, choices)
-        self.assertIn("png", choices["--format"])
-        for shell, option_and_words in (("bash", r"((?:--[\w-]+[ |]*)+)\)\s*mapfile[^\n]* -W '([^']*)'"),
-                                        ("zsh", r"(--[\w-]+)\[[^]]*\]:[^:]*:\(([^)]*)\)"),
-                                        ("fish", r"(--[\w-]+) -x -a '([^']*)'")):
-            offered = {option: set(words.split()) for options, words in re.findall(option_and_words, self.texts[shell])
-                       for option in options.split(" | ")}
-            for option, words in choices.items():
-                self.assertEqual(offered.get(option), words, f"{shell}: {option}")
-        paragraphs = re.findall(r"(?ms)^\.TP\n\.B\S*.*?(--[\w-]+)[^\n]*\n(.*?)(?=^\.(?:TP|S))", self.texts["manual"])
-        rows = re.findall(r"(?m)^\| `(--[\w-]+)` \|([^|(]*)", self.texts["document"])
-        for where, sections, marked in (("manual", paragraphs, r"(?m)^\.BR? ([\w-]+)"), ("document", rows, r"`([\w-]+)`")):
-            sections = {option: text for option, text in sections if option in choices}
-            self.assertGreaterEqual(len(sections), 6, where)
-            for option, text in sections.items():
-                self.assertEqual(choices[option] - set(re.findall(r"[\w-]+", text)), set(), f"missing in {where}: {option}")
-                self.assertEqual(set(re.findall(marked, text)) - choices[option], set(), f"unknown in {where}: {option}")
-
+class Help(Case):
     def test_help_and_version(self):
         version = self.run_deimg("--version").stdout
         self.assertRegex(version, rb"\Adeimg \d+\.\d+\.\d+\n\Z")
