@@ -150,6 +150,10 @@ std::uint32_t RunJob(const JobRecipe& recipe, const Pieces& file) {
   testing::HeapFaults faults;
   // The plane is kept in memory where 2 MiB remain besides it.
   faults.largest = inFile ? 2u << 20 : kLargestBlock;
+  const bool heapFails = (recipe.how & JobRecipe::kHeapFails) != 0;
+  if (heapFails) faults.failAt = 1 + recipe.cancelAt;
+  faults.andAllAfter = recipe.cancelAt % 2 == 0;
+  faults.refuseRelease = (recipe.how & JobRecipe::kReleaseRefused) != 0;
   const testing::FaultScope scope(faults);
 
   DevelopParams params{};
@@ -166,10 +170,13 @@ std::uint32_t RunJob(const JobRecipe& recipe, const Pieces& file) {
   params.wbPointY = recipe.pointY;
 
   PieceStream input(file, (recipe.how & JobRecipe::kShortReads) != 0 ? kWholeReads : INT_MAX);
-  Sink output(recipe.cancelAt, DEIMG_PROGRESS_ALL);
+  Sink output(heapFails ? 0 : recipe.cancelAt, DEIMG_PROGRESS_ALL);
+  const bool unknown = (recipe.how & JobRecipe::kUnknownRequest) != 0;
   const std::uint32_t result = DEImg_DevelopM480(
-      input.get(), kJobs[recipe.job % 4],
-      (recipe.how & JobRecipe::k16Bit) != 0 ? DEIMG_FORMAT_16BIT : DEIMG_FORMAT_8BIT,
+      input.get(), unknown ? recipe.job : kJobs[recipe.job % 4],
+      unknown                                 ? recipe.pointX
+      : (recipe.how & JobRecipe::k16Bit) != 0 ? DEIMG_FORMAT_16BIT
+                                              : DEIMG_FORMAT_8BIT,
       (recipe.how & JobRecipe::kWithSettings) != 0 ? &params : nullptr, output.get());
   Require(output.cancelled() == (result == kCancelled), "the code of the cancellation");
   Require(testing::FaultScope::Live() == 0, "every block to be given back");

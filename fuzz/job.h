@@ -48,11 +48,19 @@ class PieceStream {
 
 /// What is asked of the library, as the first bytes of a fuzz input.
 struct JobRecipe {
-  enum How : std::uint8_t { kPlaneInFile = 1, kWithSettings = 2, k16Bit = 4, kShortReads = 8 };
+  enum How : std::uint8_t {
+    kPlaneInFile = 1,
+    kWithSettings = 2,
+    k16Bit = 4,
+    kShortReads = 8,
+    kHeapFails = 16,       ///< from the allocation `cancelAt` on, instead of the cancellation
+    kReleaseRefused = 32,  ///< by the heap
+    kUnknownRequest = 64,  ///< another format and kind of job
+  };
 
   std::uint8_t job;       ///< modulo 4: full, quick, preview, thumbnail
   std::uint8_t how;       ///< How
-  std::uint8_t cancelAt;  ///< the report or line at which the host cancels; 0 for none
+  std::uint8_t cancelAt;  ///< the call at which the host cancels; 0 for none
   std::int8_t matrixSelect, toneLevel, matrixLevel, processingSet, colourLevel, chromaMedian;
   std::int8_t exposureAdjust, wbPreset;
   std::uint8_t pointX, pointY;
