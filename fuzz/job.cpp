@@ -172,11 +172,10 @@ std::uint32_t RunJob(const JobRecipe& recipe, const Pieces& file) {
   PieceStream input(file, (recipe.how & JobRecipe::kShortReads) != 0 ? kWholeReads : INT_MAX);
   Sink output(heapFails ? 0 : recipe.cancelAt, DEIMG_PROGRESS_ALL);
   const bool unknown = (recipe.how & JobRecipe::kUnknownRequest) != 0;
+  const std::uint32_t format =
+      (recipe.how & JobRecipe::k16Bit) != 0 ? DEIMG_FORMAT_16BIT : DEIMG_FORMAT_8BIT;
   const std::uint32_t result = DEImg_DevelopM480(
-      input.get(), unknown ? recipe.job : kJobs[recipe.job % 4],
-      unknown                                 ? recipe.pointX
-      : (recipe.how & JobRecipe::k16Bit) != 0 ? DEIMG_FORMAT_16BIT
-                                              : DEIMG_FORMAT_8BIT,
+      input.get(), unknown ? recipe.job : kJobs[recipe.job % 4], unknown ? recipe.pointX : format,
       (recipe.how & JobRecipe::kWithSettings) != 0 ? &params : nullptr, output.get());
   Require(output.cancelled() == (result == kCancelled), "the code of the cancellation");
   Require(testing::FaultScope::Live() == 0, "every block to be given back");

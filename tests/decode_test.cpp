@@ -121,17 +121,6 @@ TEST(Geometry, IsSupportedInsideThePlane) {
 class PlaneLoops : public testing::LevelTest {};
 DEIMG_INSTANTIATE_LEVELS(PlaneLoops);
 
-TEST(PointWhiteBalance, GainsFromAverages) {
-  const auto gains = [](int r, int g1, int g2, int b) {
-    return GainsFromSums({{r * 100, g1 * 100, g2 * 100, b * 100}, {100, 100, 100, 100}});
-  };
-  using Gains = std::array<std::uint32_t, 4>;
-  EXPECT_EQ(gains(1000, 1000, 1000, 1000), (Gains{832, 832, 832, 832}));
-  EXPECT_EQ(gains(100, 1000, 1000, 500), (Gains{4870, 832, 832, 1664}));
-  EXPECT_EQ(gains(0, 0, 0, 0), (Gains{832, 832, 832, 832}));
-  EXPECT_EQ(GainsFromSums({{3, 0, 2, 1}, {2, 0, 2, 1}})[0], 416u);  // 1.5 rounds up to 2
-}
-
 /// The reduction of one position as a formula over the whole plane, stage by stage.
 TEST_P(PlaneLoops, PreviewsAgreeWithThePlainFormula) {
   std::mt19937 random(3);

@@ -2,14 +2,12 @@
 #include <gtest/gtest.h>
 
 #include <map>
-#include <set>
 
 #include "graph/component.h"
 #include "graph/stage.h"
 #include "pipeline/connections.h"
 #include "pipeline/levels.h"
 #include "storage/memory_stream.h"
-#include "support/fault_heap.h"
 
 namespace deimg {
 namespace {
@@ -33,33 +31,6 @@ constexpr ComponentInfo kOneLine = {TypeId::kVHDiff, "one", 1, 1};
 constexpr ComponentInfo kThreeLines = {TypeId::kVHDiff, "three", 3, 1};
 constexpr ComponentInfo kSevenLines = {TypeId::kVHDiff, "seven", 7, 2};
 constexpr ComponentInfo kNoLines = {TypeId::kVHDiff, "none", 0, 3};
-
-TEST(ComponentPort, RingTurnsWithoutCopying) {
-  ComponentPort port(2, 5, 4);
-  EXPECT_STREQ(port.name(), "Component2");
-  EXPECT_EQ(port.Line(0), nullptr);
-  EXPECT_EQ(port.Rotate(), nullptr);
-  EXPECT_EQ(port.Allocate(0), DEIMG_UNSUPPORTED);
-  ASSERT_EQ(port.Allocate(5), DEIMG_OK);
-  EXPECT_EQ(port.Allocate(9), DEIMG_OK);
-  EXPECT_EQ(port.lines(), 5);
-  EXPECT_EQ(port.Line(3), nullptr);
-  EXPECT_EQ(port.Line(-3), nullptr);
-  std::set<Sample*> lines;
-  for (int o = -2; o <= 2; ++o) lines.insert(port.Line(o));
-  EXPECT_EQ(lines.size(), 5u);
-  Sample* const oldest = port.Line(-2);
-  Sample* const newest = port.Line(2);
-  EXPECT_EQ(port.Rotate(), oldest);
-  EXPECT_EQ(port.Line(2), oldest);
-  EXPECT_EQ(port.Line(1), newest);
-  port.Reset();
-  EXPECT_EQ(port.Line(-2), oldest);
-
-  ComponentPort small(0, 5, 4);
-  const testing::FaultScope faults({.failAt = 1});
-  EXPECT_EQ(small.Allocate(1), DEIMG_OUT_OF_MEMORY);
-}
 
 TEST(Component, DiamondComputesEveryLineOnce) {
   Probe source(kOneLine), left(kThreeLines), right(kSevenLines), sink(kThreeLines);

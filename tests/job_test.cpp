@@ -106,15 +106,6 @@ TEST(Thumbnail, LetterboxesAndCuts) {
   EXPECT_EQ(blackRows(160, 120), (std::pair{0, 0}));
   EXPECT_EQ(blackRows(100, 400), (std::pair{0, 0})) << "taller than the thumbnail: cut";
   EXPECT_EQ(blackRows(3000, 2), (std::pair{60, 59})) << "a single row";
-  // Nearest pixel to the left and above.
-  Bytes ramp;
-  for (int i = 0; i < 320 * 240; ++i)
-    ramp.insert(ramp.end(), 3, static_cast<std::uint8_t>(i % 320));
-  ThumbnailBuffer thumbnail;
-  ASSERT_TRUE(thumbnail.Allocate());
-  thumbnail.Resample(ramp.data(), 320, 240);
-  EXPECT_EQ(thumbnail.row(0)[3 * 77], 154);
-  EXPECT_EQ(thumbnail.row(119)[ThumbnailBuffer::kRowBytes - 1], 318 % 256);
 }
 
 }  // namespace

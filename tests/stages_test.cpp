@@ -605,30 +605,5 @@ TEST_P(Stages, ComputeWhatIsStatedFromTheirWindowAlone) {
   }
 }
 
-/// Curves whose builders the plain statements share, by worked numbers.
-TEST(Curves, SuppressionAndChromaGain) {
-  Samples t(kSuppressionCurveSize);
-  const auto at = [&](int i) { return t[static_cast<std::size_t>(i)]; };
-  ASSERT_EQ(BuildSuppressionCurve({0, 1, 2, 4, 10, 100, 0, 900, 8}, t.data()), DEIMG_OK);
-  const std::pair<int, Sample> expected[] = {
-      {0, 64},   {1, 68},   {16, 128}, {448, 128}, {449, 127}, {600, 109}, {672, 100},
-      {673, 99}, {900, 71}, {901, 70}, {970, 1},   {971, 0},   {1023, 0}};
-  for (const auto& [i, value] : expected) EXPECT_EQ(at(i), value) << i;
-  ASSERT_EQ(BuildSuppressionCurve({0, 0, 0, 0, 0, 128, 1, 1023, 0}, t.data()), DEIMG_OK);
-  EXPECT_EQ(t, Samples(1024, 128));
-  ASSERT_EQ(BuildSuppressionCurve({0, 2, 2, 4, 10, 100, 0, 900, 8}, t.data()), DEIMG_OK);
-  EXPECT_EQ(at(31), 124);
-  // Positions beyond the table are cut, whatever their codes say.
-  EXPECT_EQ(BuildSuppressionCurve({0, 3, 8, 8, 65535, 65535, 0, 65535, 65535}, t.data()), DEIMG_OK);
-
-  t.assign(kChromaGainTableSize, -1);
-  BuildChromaGainTable({128, 100, 40, 16, 8, 100, 4}, t.data());
-  const std::pair<int, Sample> gains[] = {{0, 128},  {12, 128}, {13, 127}, {40, 100}, {41, 99},
-                                          {100, 70}, {101, 69}, {200, 26}, {255, 2}};
-  for (const auto& [i, value] : gains) EXPECT_EQ(at(i), value) << i;
-  BuildChromaGainTable({7, 100, 300, 0, 8, 400, 4}, t.data());  // cut to the table
-  BuildChromaGainTable({32767, -32768, 32767, 1, -32768, -5, 32767}, t.data());
-}
-
 }  // namespace
 }  // namespace deimg

@@ -169,6 +169,17 @@ TEST_F(TemporaryFilesTest, NobodyElseCanReachThem) {
   }
 }
 
+TEST_F(TemporaryFilesTest, FirstDescriptorIsAsGoodAsAny) {
+  const int kept = dup(0);
+  close(0);
+  for (std::size_t k = 0; k < std::size(kJobKinds); ++k) {
+    EXPECT_EQ(Run(kJobKinds[k]).lines, expected_[k]);
+    EXPECT_EQ(fcntl(0, F_GETFD), -1) << "left open";
+  }
+  dup2(kept, 0);
+  close(kept);
+}
+
 TEST_F(TemporaryFilesTest, KilledProcessLeavesNothing) {
   const pid_t child = fork();
   if (child == 0) {
