@@ -214,6 +214,30 @@ class Files(Case):
             self.assertIn("No space left", self.say("develop", COFFEE, "-o", "/dev/full", "--format", name, status=3))
         self.assertIn("No such file", self.say("develop", COFFEE, "-o", "no/such/p.png", status=3))
 
+    @unittest.skipIf(os.environ.get("DEIMG_SANITIZE"), "sanitizers do not go together with tracing")
+    def test_pictures_appear_whole(self):
+        """The data first, then the name; and no picture in place of what somebody else put there meanwhile."""
+        def traced(*args, inject=None, status=0):
+            (self.dir / "trace").unlink(missing_ok=True)
+            result = subprocess.run(
+                ["strace", "-f", "-qq", "-o", "trace", "-e", "trace=fsync,link,rename,unlink",
+                 *(["-e", f"inject={inject}"] if inject else []), PROGRAM, "develop", COFFEE, "-o", "p.png", *args],
+                cwd=self.dir, capture_output=True, timeout=300)
+            self.assertEqual(result.returncode, status, result.stderr)
+            self.assertEqual([name for name in self.listing() if name.startswith(".")], [])
+            calls = re.findall(r"(?m)^\d+ +(\w+)\(.*= 0\b", (self.dir / "trace").read_text())
+            return calls, result.stderr.decode()
+        self.assertEqual(traced()[0], ["fsync", "link", "unlink"])
+        picture = (self.dir / "p.png").read_bytes()
+        self.assertEqual(traced("--force")[0], ["fsync", "rename"])
+        for fault, words in (("fsync:error=EIO", "Input/output error"), ("rename:error=ENOSPC", "No space left")):
+            self.assertIn(words, traced("--force", inject=fault, status=3)[1])
+            self.assertEqual((self.dir / "p.png").read_bytes(), picture)
+        (self.dir / "p.png").unlink()
+        self.assertIn("exists already", traced(inject="link:error=EEXIST", status=3)[1])
+        self.assertEqual(traced(inject="link:error=EPERM")[0], ["fsync", "rename"])  # no hard links there
+        self.assertEqual((self.dir / "p.png").read_bytes(), picture)
+
     def test_standard_streams(self):
         raw = pathlib.Path(CHART).read_bytes()
         for name in ("png", "tiff", "jpeg", "ppm"):
@@ -318,8 +342,9 @@ class Interrupts(Case):
     def stopped_by(self, number):
         for i in range(200):
             os.symlink(LANDSCAPE, self.dir / f"{i}.raw")
-        child = subprocess.Popen([PROGRAM, "develop", *(f"{i}.raw" for i in range(200)), "-o", "out/", "-j", "2"],
-                                 cwd=self.dir, stderr=subprocess.DEVNULL)
+        with open(self.dir / "events", "wb") as events:
+            child = subprocess.Popen([PROGRAM, "develop", *(f"{i}.raw" for i in range(200)), "-o", "out/", "-j", "2",
+                                      "--progress", "json"], cwd=self.dir, stderr=events)
         end = time.time() + 120
         while time.time() < end and not list(self.dir.glob("out/*.png")):
             time.sleep(0.01)
@@ -331,13 +356,17 @@ class Interrupts(Case):
         self.assertTrue(0 < len(pictures) < 200)
         for name in pictures:
             self.read_back("pngtopnm", f"out/{name}")
-        return len(made) - len(pictures)
+        return len(made) - len(pictures), len(pictures)
 
     def test_asked_to_stop(self):
-        self.assertEqual(self.stopped_by(signal.SIGINT), 0, "temporary files left behind")
+        left, made = self.stopped_by(signal.SIGINT)
+        self.assertEqual(left, 0, "temporary files left behind")
+        end = json.loads((self.dir / "events").read_text().splitlines()[-1])
+        self.assertEqual([end[k] for k in ("event", "files", "done", "skipped", "failed", "interrupted")],
+                         ["end", 200, made, 0, 0, True])
 
     def test_killed(self):
-        self.assertLessEqual(self.stopped_by(signal.SIGKILL), 2)
+        self.assertLessEqual(self.stopped_by(signal.SIGKILL)[0], 2)
 
     def test_waiting_for_input(self):
         child = subprocess.Popen([PROGRAM, "develop", "-", "-o", "p.png"], cwd=self.dir, stdin=subprocess.PIPE,
@@ -353,16 +382,12 @@ class Interrupts(Case):
 
 class Reports(Case):
     def test_info(self):
-        coffee, chart = json.loads(self.run_deimg("info", "--json", COFFEE, CHART).stdout)
-        self.assertEqual([coffee[k] for k in ("width", "height", "byteOrder", "sensitivity", "codeSet", "bytes")],
-                         [624, 436, "II", 160, 0, os.path.getsize(COFFEE)])
-        self.assertEqual(coffee["imageArea"], {"left": 8, "top": 6, "width": 624, "height": 436})
-        self.assertEqual([chart["byteOrder"], chart["codeSet"], chart["sensor"]], ["MM", 2, {"width": 768, "height": 512}])
-        text = self.run_deimg("info", CHART).stdout.decode()
-        for words in ("752 x 500 pixels", "sensitivity", "5200 K", "black levels", "code set", "414311"):
-            self.assertIn(words, text)
-        result = self.run_deimg("info", "--json", COFFEE, "missing", status=2)
-        self.assertEqual(json.loads(result.stdout)[1]["error"]["message"], "No such file or directory")
+        os.symlink(CHART, self.dir / "chart.raw")
+        expected = [(SOURCE / "tests/cli" / name).read_bytes() for name in ("chart-info.txt", "chart-info.json")]
+        self.assertEqual([self.run_deimg("info", *json, "chart.raw").stdout for json in ([], ["--json"])], expected)
+        coffee, missing = json.loads(self.run_deimg("info", "--json", COFFEE, "missing", status=2).stdout)
+        self.assertEqual([coffee["byteOrder"], coffee["codeSet"], missing["error"]["message"]],
+                         ["II", 0, "No such file or directory"])
 
     def test_check_finds_damage(self):
         self.assertEqual(self.say("check", COFFEE, CHART, LANDSCAPE, "-j", "1").count(": sound\n"), 3)
@@ -373,15 +398,22 @@ class Reports(Case):
 
     def test_progress_for_programs(self):
         bad = self.damaged("bad.raw", lambda data: data[:100])
-        lines = self.say("develop", COFFEE, bad, "--progress", "json", "-j", "1", "-o", "out/", status=2).splitlines()
+        (self.dir / "out").mkdir()
+        (self.dir / "out/chart.png").touch()
+        lines = self.say("develop", COFFEE, bad, CHART, "--progress", "json", "-j", "1", "-o", "out/", "--skip-existing",
+                         status=2).splitlines()
         events = [json.loads(line) for line in lines]
-        kinds = [event["event"] for event in events]
-        self.assertEqual([k for k in kinds if k != "progress"], ["start", "file", "done", "file", "failed", "end"])
-        percents = [event["percent"] for event in events if event["event"] == "progress" and event["file"] == COFFEE]
-        self.assertEqual([percents[0], percents[-1], percents], [1, 100, sorted(percents)])
-        self.assertEqual([events[-2]["code"], events[-2]["file"]], [0x0400002C, bad])
-        self.assertEqual([events[-1][k] for k in ("files", "done", "failed", "interrupted")], [2, 1, 1, False])
-
+        percents = [event for event in events if event["event"] == "progress" and event["file"] == COFFEE]
+        numbers = [event["percent"] for event in percents]
+        self.assertEqual([numbers[0], numbers[-1], numbers], [1, 100, sorted(numbers)])
+        self.assertEqual([event["whole"] for event in percents], [n / 300 for n in numbers])
+        self.assertTrue(all(event.pop("seconds") > 0 for event in events if "seconds" in event))
+        self.assertEqual([event for event in events if event["event"] != "progress"], [
+            {"event": "start", "files": 3}, {"event": "file", "file": COFFEE},
+            {"event": "done", "file": COFFEE, "output": "out/coffee.png"}, {"event": "file", "file": bad},
+            {"event": "failed", "file": bad, "doing": "reading its properties", "message": events[-4]["message"],
+             "code": 0x0400002C}, {"event": "file", "file": CHART}, {"event": "skipped", "file": CHART, "output": "out/chart.png"},
+            {"event": "end", "files": 3, "done": 1, "skipped": 1, "failed": 1, "interrupted": False}])
 
 class Help(Case):
     def test_help_and_version(self):
