@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include "api/thumbnail.h"
-#include "pipeline/settings.h"
 #include "support/streams.h"
 
 namespace deimg {
@@ -60,34 +59,6 @@ TEST(Job, LooksAtProgressWheneverItReports) {
       }
     }
   }
-}
-
-TEST(ApplyDefaults, WritesDefaultsOnlyIntoAnUnfilledBlock) {
-  DevelopParams params{};
-  params.unused4[1] = 9;
-  params.chromaMedian = -1;
-  params.toneLevel = 1;
-  params.wbPreset = 6;
-  params.whiteBalance.wbGainsSet = 1;
-  params.whiteBalance.wbGains[2] = 77;
-  ApplyDefaults(params);
-  EXPECT_EQ(params.toneLevel, DEIMG_AS_RECORDED);
-  EXPECT_EQ(params.wbPreset, DEIMG_AS_RECORDED);
-  EXPECT_EQ(params.chromaMedian, -1);
-  EXPECT_EQ(params.unused4[1], 0);
-  EXPECT_EQ(params.whiteBalance.wbGainsSet, 0);
-  EXPECT_EQ(+params.whiteBalance.wbGains[2], 77u) << "the gains stay, but are no longer valid";
-
-  for (const int preset : {-1, 6}) {
-    params.filled = 1;
-    params.wbPreset = static_cast<std::int16_t>(preset);
-    params.whiteBalance.wbGainsSet = 1;
-    ApplyDefaults(params);
-    EXPECT_EQ(params.whiteBalance.wbGainsSet, 1);
-  }
-  params.whiteBalance.wbGainsSet = 2;
-  ApplyDefaults(params);
-  EXPECT_EQ(+params.whiteBalance.wbGains[2], 0u);
 }
 
 TEST(Thumbnail, LetterboxesAndCuts) {

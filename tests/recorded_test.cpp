@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <cstring>
 #include <fstream>
 #include <map>
 #include <random>
@@ -92,6 +93,7 @@ void RandomParams(Draw& draw, DevelopParams& p) {
   const auto level = [&](int low, int high) {
     return static_cast<std::int16_t>(draw.OneIn(3) ? DEIMG_AS_RECORDED : draw(low, high));
   };
+  std::memset(&p, 0x55, sizeof(p));  // what nobody reads
   p.filled = static_cast<std::uint16_t>(draw.OneIn(6) ? draw(0, 2) : 1);
   p.matrixSelect = static_cast<std::uint16_t>(std::max(draw(-3, 2), 0));
   const int beyond = draw.OneIn(6) ? 1 : 0;
@@ -172,9 +174,10 @@ std::string Row(const Job& job) {
   for (const Bytes& line : outcome.lines) back.Add(line);
   for (const int report : outcome.reports) back.Add(static_cast<std::uint64_t>(report));
   const DevelopParams& p = outcome.params;
-  for (const int value : {+p.filled, +p.matrixSelect, +p.toneLevel, +p.matrixLevel,
-                          +p.processingSet, +p.colourLevel, +p.chromaMedian, +p.exposureAdjust,
-                          +p.wbPreset, +p.wbPointX, +p.wbPointY, +p.whiteBalance.wbGainsSet}) {
+  for (const int value :
+       {+p.filled, +p.matrixSelect, +p.toneLevel, +p.matrixLevel, +p.processingSet, +p.colourLevel,
+        +p.chromaMedian, +p.exposureAdjust, +p.wbPreset, +p.wbPointX, +p.wbPointY,
+        +p.whiteBalance.wbGainsSet, +p.unused0[0], +p.unused4[1], +p.unused100[187]}) {
     back.Add(static_cast<std::uint64_t>(value));
   }
   for (std::size_t i = 0; i < 4; ++i) back.Add(+p.whiteBalance.wbGains[i]);

@@ -1,7 +1,5 @@
-// Several jobs at the same time: in threads, in processes, and one inside another.
+// Several jobs at the same time: in threads, and one inside another.
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <thread>
 
@@ -54,21 +52,6 @@ TEST_F(ThreadsTest, FourThreads) {
     for (std::size_t t = 0; t < 4; ++t) threads.emplace_back([&, t] { wrong[t] = Worker(t); });
   }
   for (const int count : wrong) EXPECT_EQ(count, 0);
-  EXPECT_TRUE(temporary_.IsEmpty());
-}
-
-TEST_F(ThreadsTest, FourProcessesInOneDirectory) {
-  std::vector<pid_t> children;
-  for (std::size_t number = 0; number < 4; ++number) {
-    const pid_t child = fork();
-    if (child == 0) _exit(Worker(number) == 0 && !HasFailure() ? 0 : 1);
-    children.push_back(child);
-  }
-  for (const pid_t child : children) {
-    int status = -1;
-    EXPECT_EQ(waitpid(child, &status, 0), child);
-    EXPECT_EQ(status, 0);
-  }
   EXPECT_TRUE(temporary_.IsEmpty());
 }
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <bit>
 #include <cstring>
+#include <set>
 
 #include "base/byte_order.h"
 #include "rawfile/random_camera.h"
@@ -115,19 +116,10 @@ void StageBench::StartAnywhere(const Level& level, bool hostile, bool narrow, in
 }
 
 bool StageBench::IsNarrow(const ComponentX& component) const {
-  switch (component.typeId()) {
-    case TypeId::kSourceStreamReader:
-      return true;
-    case TypeId::kWhiteBalance:
-    case TypeId::kVHDiff:
-    case TypeId::kHokanVH:
-    case TypeId::kHokanCircuit:
-    case TypeId::kMedianCrCb:
-    case TypeId::kAFilterHokanLpf:
-      return narrow_;
-    default:
-      return false;
-  }
+  static const std::set<TypeId> kMosaic = {TypeId::kWhiteBalance, TypeId::kVHDiff,
+                                           TypeId::kHokanVH,      TypeId::kHokanCircuit,
+                                           TypeId::kMedianCrCb,   TypeId::kAFilterHokanLpf};
+  return narrow_ && kMosaic.contains(component.typeId());
 }
 
 /// Within what the component's ports can hold where they are narrow, anything elsewhere.
@@ -145,39 +137,31 @@ Sample StageBench::RandomSample(const ComponentX& component) {
   return Random(low, high);
 }
 
-/// Calls function(component, port, offset) for every line of the inputs outside the window.
+/// Calls function(component, port, offset) for every line of the inputs in the window, or for every
+/// one outside it.
 template <typename Function>
-void StageBench::ForEachForeignLine(ComponentX& stage, Function function) const {
+void StageBench::ForEachInputLine(ComponentX& stage, bool inside, Function function) const {
   for (ComponentX* input : stage.inputs()) {
     for (int port = 0; port < input->portCount(); ++port) {
       if (input->port(port)->Line(0) == nullptr) continue;  // the source has no rings
       for (int o = input->runFirst(); o <= input->runLast(); ++o) {
-        if (std::abs(o) > stage.border() / 2) function(*input, *input->port(port), o);
+        if ((std::abs(o) <= stage.border() / 2) == inside) function(*input, *input->port(port), o);
       }
     }
   }
 }
 
 void StageBench::FillInputs(ComponentX& stage, bool inside) {
-  const auto fill = [&](const ComponentX& input, const ComponentPort& port, int offset) {
+  ForEachInputLine(stage, inside, [&](const ComponentX& input, const ComponentPort& port, int o) {
     for (int x = 0; x < input.width(); ++x) {
       const Sample value = RandomSample(input);
       if (IsNarrow(input)) {
-        port.Line<NarrowSample>(offset)[x] = static_cast<NarrowSample>(value);
+        port.Line<NarrowSample>(o)[x] = static_cast<NarrowSample>(value);
       } else {
-        port.Line(offset)[x] = value;
+        port.Line(o)[x] = value;
       }
     }
-  };
-  if (!inside) return ForEachForeignLine(stage, fill);
-  for (ComponentX* input : stage.inputs()) {
-    for (int port = 0; port < input->portCount(); ++port) {
-      if (input->port(port)->Line(0) == nullptr) continue;
-      for (int o = -stage.border() / 2; o <= stage.border() / 2; ++o) {
-        fill(*input, *input->port(port), o);
-      }
-    }
-  }
+  });
 }
 
 Samples StageBench::Line(const ComponentX& component, int port, int offset) const {
@@ -215,13 +199,13 @@ void StageBench::Compute(ComponentX& stage) {
   const auto bytes = [&](const ComponentX& input, const ComponentPort& port, int o) {
     return BytesOf(port, o, IsNarrow(input) ? sizeof(NarrowSample) : sizeof(Sample));
   };
-  ForEachForeignLine(stage, [&](const ComponentX& input, const ComponentPort& port, int o) {
+  ForEachInputLine(stage, false, [&](const ComponentX& input, const ComponentPort& port, int o) {
     __asan_poison_memory_region(port.Line<std::uint8_t>(o), bytes(input, port, o).all);
   });
 #endif
   ASSERT_EQ(stage.Run(0, 0), DEIMG_OK);
 #ifdef DEIMG_POISON
-  ForEachForeignLine(stage, [&](const ComponentX& input, const ComponentPort& port, int o) {
+  ForEachInputLine(stage, false, [&](const ComponentX& input, const ComponentPort& port, int o) {
     __asan_unpoison_memory_region(port.Line<std::uint8_t>(o), bytes(input, port, o).all);
   });
 #endif

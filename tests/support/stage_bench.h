@@ -44,7 +44,7 @@ class StageBench {
   Sample RandomSample(const ComponentX& component);
   int Random(int low, int high) { return std::uniform_int_distribution<int>(low, high)(random); }
   template <typename Function>
-  void ForEachForeignLine(ComponentX& stage, Function function) const;
+  void ForEachInputLine(ComponentX& stage, bool inside, Function function) const;
 
   bool narrow_ = false;
   GraphOwner graph_;
