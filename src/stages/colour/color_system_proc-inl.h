@@ -75,8 +75,7 @@ class ColorSystemProc final : public Stage {
            128;
   }
   static Sample Smoothed7(Line in, Index x) {
-    const Sample one = in[x - 1] + in[x + 1];
-    const Sample two = in[x - 2] + in[x + 2];
+    const Sample one = in[x - 1] + in[x + 1], two = in[x - 2] + in[x + 2];
     const Sample three = in[x - 3] + in[x + 3];
     return (16 * (in[x] + one) + 8 * two + 3 * (three - one)) / 64;
   }
@@ -110,8 +109,7 @@ class ColorSystemProc final : public Stage {
   /// In place: r keeps red, g becomes Cr and b becomes Cb.
   static void ToDifferencesLine(Line r, int width, MutableLine gToCr, MutableLine bToCb) {
     for (Index x = 0; x < width; ++x) {
-      const Sample g = gToCr[x];
-      const Sample b = bToCb[x];
+      const Sample g = gToCr[x], b = bToCb[x];
       gToCr[x] = Clamp((512 * r[x] - 429 * g - 83 * b) / 1024, -4096, 4095);
       bToCb[x] = Clamp(8 * (-172 * r[x] - 340 * g + 512 * b) / 8192, -4096, 4095);
     }
