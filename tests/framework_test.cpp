@@ -30,7 +30,6 @@ class Probe final : public ComponentX {
 constexpr ComponentInfo kOneLine = {TypeId::kVHDiff, "one", 1, 1};
 constexpr ComponentInfo kThreeLines = {TypeId::kVHDiff, "three", 3, 1};
 constexpr ComponentInfo kSevenLines = {TypeId::kVHDiff, "seven", 7, 2};
-constexpr ComponentInfo kNoLines = {TypeId::kVHDiff, "none", 0, 3};
 
 TEST(Component, DiamondComputesEveryLineOnce) {
   Probe source(kOneLine), left(kThreeLines), right(kSevenLines), sink(kThreeLines);
@@ -62,15 +61,6 @@ TEST(Component, DiamondComputesEveryLineOnce) {
   right.failAt = 1;
   EXPECT_EQ(sink.Advance(21), 77u);
   EXPECT_EQ(sink.currentLine(), 20);
-}
-
-TEST(Component, LimitsAndEmptyKernels) {
-  Probe none(kNoLines), source(kOneLine);
-  EXPECT_EQ(none.border(), 0);
-  EXPECT_STREQ(none.port(2)->name(), "Component2");
-  EXPECT_EQ(none.port(3), nullptr);
-  for (int i = 0; i < ComponentX::kMostInputs; ++i) EXPECT_EQ(none.Connect(source), DEIMG_OK);
-  EXPECT_EQ(none.Connect(source), DEIMG_BAD_REQUEST);
 }
 
 /// Reads one line further down than it declares, or writes one.
@@ -123,15 +113,6 @@ TEST(ProcessingGraph, IsWiredAsTheTablesSay) {
     }
     for (const ComponentX* input : component->inputs()) wired.push_back(input->typeId());
     EXPECT_EQ(wired, expected) << info.name;
-  }
-}
-
-TEST(Levels, AreChosenByName) {
-  for (const Level& level : Levels()) {
-    const Level& best = BestLevel(level.name);
-    EXPECT_TRUE(best.isSupported());
-    EXPECT_EQ(&best == &level, level.isSupported());
-    EXPECT_LE(&best, &level) << "none above the one named";
   }
 }
 

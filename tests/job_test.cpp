@@ -11,7 +11,6 @@ using testing::Develop;
 using testing::InputStream;
 using testing::Op;
 using testing::OutputStream;
-using testing::RecordedParams;
 using Bytes = std::vector<std::uint8_t>;
 
 Bytes Coffee() { return testing::ReadFileBytes(DEIMG_SAMPLES "/coffee.raw"); }

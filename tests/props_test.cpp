@@ -1,4 +1,4 @@
-// The property heap, the fourteen properties and the diagnostics.
+// The edges of the property heap and of the file header, and the diagnostics.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -7,7 +7,6 @@
 #include "props/image_props.h"
 #include "props/props_heap.h"
 #include "rawfile/property_set.h"
-#include "rawfile/random_camera.h"
 #include "support/fault_heap.h"
 #include "support/streams.h"
 
@@ -21,27 +20,6 @@ using rawfile::Heap;
 Result ReadOne(const PropsHeap* heap, std::uint16_t tag, void* slot, std::size_t size) {
   PropsSlot wanted[] = {{tag, static_cast<std::uint8_t*>(slot), size}};
   return PropsRead(heap, wanted);
-}
-
-/// Reads one property of a heap into a slot prefilled with 0xEE.
-Result ReadFrom(const Heap& heap, std::uint16_t tag, std::vector<std::uint8_t>& slot) {
-  const Bytes bytes = heap.Serialize(ByteOrder::kLittle);
-  PropsHandle handle;
-  EXPECT_EQ(pxfPsReadOpenImagePropsFromMemory(bytes.data(), false,
-                                              static_cast<std::uint32_t>(bytes.size()), &handle),
-            kPropsOk);
-  return ReadOne(handle.get(), tag, slot.data(), slot.size());
-}
-
-TEST(PropsHeap, FindsDepthFirstInDirectoryOrder) {
-  Heap heap;
-  heap.SubHeap(0x3001).SubHeap(0x2802).Add(0x0801, {'d', 'e', 'e', 'p'});
-  heap.Add(0x0801, {'f', 'l', 'a', 't'});
-  std::vector<std::uint8_t> slot(4, 0xEE);
-  EXPECT_EQ(ReadFrom(heap, 0x0801, slot), kPropsOk);
-  EXPECT_EQ(std::memcmp(slot.data(), "deep", 4), 0);
-  EXPECT_EQ(ReadFrom(heap, 0x0802, slot), kPropsNotFound);
-  EXPECT_EQ(ReadFrom(heap, 0x3001, slot), kPropsNotFound);  // a sub-heap is never a property
 }
 
 TEST(PropsHeap, RefusesWhatLeavesIt) {
@@ -109,23 +87,6 @@ TEST(PropsHeap, PassesOverASubHeapForWantOfMemory) {
   EXPECT_EQ(ReadOne(handle.get(), 0x0801, slot, 1), COMPLIB_STG_E_INSUFFICIENTMEMORY);
   std::fflush(stdout);
   ::testing::internal::GetCapturedStdout();
-}
-
-Result ReadProps(Bytes file, ImageProps& props) {
-  testing::InputStream input(std::move(file));
-  ImagePropsBlock block;
-  DEIMG_RETURN_IF_FAILED(ReadImagePropsBlock(*input.get(), block));
-  return pxfPsReadOpenImageProps(block, props);
-}
-
-TEST(ImageProps, AllFourteenAreNeeded) {
-  for (const std::uint16_t tag : rawfile::kPropertyTags) {
-    rawfile::RawFile file = rawfile::RandomCamera(7);
-    file.properties.omitted = {tag};
-    file.properties.extras.clear();
-    ImageProps props{};
-    EXPECT_EQ(ReadProps(Serialize(file), props), DEIMG_PROPS_UNREADABLE) << tag;
-  }
 }
 
 TEST(ImageProps, ChecksHeaderAndDirectory) {

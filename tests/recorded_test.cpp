@@ -74,6 +74,8 @@ void DamageProperties(Draw& draw, rawfile::RawFile& camera) {
     }
     if (draw.OneIn(12)) bytes.resize(static_cast<std::size_t>(draw(0, 2 * words)));
     camera.properties.overrides[tag] = bytes;
+    if (draw.OneIn(16))
+      camera.properties.omitted = {kPropertyTags[static_cast<std::size_t>(draw(0, 13))]};
   }
 }
 

@@ -89,15 +89,6 @@ class Pictures(Case):
         for mark in (b"JFIF\0\1\1\1" + (300).to_bytes(2, "big") * 2, b"ICC_PROFILE\0\1\1", b"deimg "):
             self.assertIn(mark, jpeg[:1000])
 
-    def test_same_bytes_in_every_run(self):
-        names = ("p.png", "p.tif", "p.jpg")
-        for name in names:
-            self.run_deimg("develop", COFFEE, "-o", name)
-        time.sleep(1.1)  # a time of day in a file would differ
-        for name in names:
-            self.run_deimg("develop", COFFEE, "-o", "again-" + name)
-            self.assertEqual((self.dir / name).read_bytes(), (self.dir / ("again-" + name)).read_bytes(), name)
-
     def test_previews_and_thumbnails(self):
         info = json.loads(self.run_deimg("info", "--json", LANDSCAPE).stdout)[0]
         self.run_deimg("preview", LANDSCAPE, "-o", "p.ppm")
@@ -319,10 +310,10 @@ class Terminal(Case):
         bars = [re.fullmatch(r"(\d)/7 files \[(#*)(\.*)\] +(\d+) %(.*)", frame) for frame in frames]
         bars = [[int(bar[1]), len(bar[2]) / len(bar[2] + bar[3]), int(bar[4]) / 100, bar[5]] for bar in bars if bar]
         self.assertEqual(bars[0][:3], [0, 0, 0])
-        done, cells, share, estimate = next(bar for bar in bars if bar[3])
-        self.assertEqual(done, 3)
-        self.assertTrue(3 / 7 - 0.01 <= share <= 4 / 7 and share - 0.025 <= cells <= share + 0.01, (cells, share))
-        self.assertRegex(estimate, r"\A  \d+\.\d files/s  \d+:\d\d left\Z")
+        for done, cells, share, _ in bars:
+            self.assertTrue(done / 7 - 0.01 <= share <= (done + 1) / 7 and share - 0.025 <= cells <= share + 0.01)
+        estimates = [bar[3] for bar in bars if bar[3]]
+        self.assertRegex(estimates[0], r"\A  \d+\.\d files/s  \d+:\d\d left\Z")
         self.assertEqual(bars, sorted(bars, key=lambda bar: bar[2]))
         self.assertLess(max(len(frame) for frame in frames[:-1]), 80)
         self.assertRegex(frames[-1], r"\Adeimg: missing.raw: .*\n6 of 7 files developed, 1 failed in \d+:\d\d\n\Z")

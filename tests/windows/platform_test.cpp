@@ -118,26 +118,12 @@ void WorkFileIsNobodyElses() {
   CHECK(OnlyWorkFile().empty());
 }
 
-void NamesAreMadeWithoutFiles() {
-  char directory[MAX_PATH], path[MAX_PATH];
-  CHECK(platform::TemporaryDirectory(directory, sizeof(directory)));
-  CHECK(!platform::TemporaryDirectory(path, 3));
-  for (const std::uint32_t unique : {1u, 0x1Au, 0x10000u}) {
-    CHECK(platform::TemporaryFileName(directory, "_dv", unique, path, sizeof(path)));
-    CHECK(!platform::FileExists(path));
-    const char* const number = std::strstr(path, "_dv") + 3;
-    CHECK(std::strtoul(number, nullptr, 16) == (unique & 0xFFFF));
-  }
-  CHECK(!platform::TemporaryFileName(directory, "_dv", 1, path, 8));
-}
-
 }  // namespace
 }  // namespace deimg
 
 int main() {
   deimg::RefusedReleaseShowsOneBox();
   deimg::WorkFileIsNobodyElses();
-  deimg::NamesAreMadeWithoutFiles();
   std::printf("platform: %d failures\n", failures);
   return failures != 0;
 }
