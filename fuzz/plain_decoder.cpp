@@ -15,7 +15,7 @@ class PlainBits {
     if (byte_ >= bytes_.size()) return -1;
     const int bit = bytes_[byte_] >> (7 - used_) & 1;
     if (++used_ == 8) {
-      byte_ += bytes_[byte_] == 0xFF ? 2 : 1;
+      byte_ += bytes_[byte_] == 0xFF ? 2u : 1u;
       used_ = 0;
     }
     return bit;
