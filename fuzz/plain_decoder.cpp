@@ -13,7 +13,7 @@ class PlainBits {
   /// The next bit, or -1 at the end.
   int Next() {
     if (byte_ >= bytes_.size()) return -1;
-    const int bit = bytes_[byte_] >> (7u - used_) & 1;
+    const int bit = bytes_[byte_] >> (7 - used_) & 1;
     if (++used_ == 8) {
       byte_ += bytes_[byte_] == 0xFF ? 2u : 1u;
       used_ = 0;
@@ -24,7 +24,7 @@ class PlainBits {
  private:
   const std::vector<std::uint8_t>& bytes_;
   std::size_t byte_ = 0;
-  unsigned used_ = 0;
+  int used_ = 0;
 };
 
 /// The next symbol of a canonical prefix code, or -1.

@@ -20,11 +20,6 @@ struct Filler {
     return {{byte(head, 0), byte(head, 1)}, {byte(fill, 0), byte(fill, 1), byte(fill, 2)}, value};
   }
 
-  void SetHead(std::size_t head) {
-    headBytes[0] = static_cast<std::uint8_t>(head);
-    headBytes[1] = static_cast<std::uint8_t>(head >> 8);
-  }
-
   Pieces Place(Bytes input) const {
     const std::size_t head = std::min<std::size_t>(LoadU16(headBytes, false), input.size());
     const std::uint32_t fill = LoadU16(fillBytes, false) | (fillBytes[2] & 1u) << 16;
