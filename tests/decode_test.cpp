@@ -44,11 +44,17 @@ TEST(SensorPlaneDecoder, AgreesWithTheCodeReadBitByBit) {
   int fitting = 0, damaged = 0;
   for (int round = 0; round < 1200; ++round) {
     const std::uint32_t width = 8 + 2 * draw(0, 40), height = draw(1, 40), set = draw(0, 3);
-    const std::uint32_t level = draw(0, 1023), noise = draw(0, 1) * draw(0, 1023);
+    // Levels that change now and then, by little or much: every run and size of difference.
+    const std::uint32_t seldom = draw(1, 20), largest = draw(0, 10);
+    int levels[2] = {512, 512};
     rawfile::Plane plane{width, height, std::vector<std::uint16_t>(width * height)};
     for (std::size_t i = 0; i < plane.samples.size() / 64 * 64; ++i) {
-      const std::uint32_t value = std::min(level + draw(0, noise), 1023u);
-      plane.samples[i] = static_cast<std::uint16_t>(4 * value + (0x1B >> 2 * (i % 4) & 3));
+      int& level = levels[i % 2];
+      if (draw(1, seldom) == 1) {
+        const int by = static_cast<int>(draw(0, 1u << draw(0, largest)));
+        level = std::clamp(draw(0, 1) == 0 ? level + by : level - by, 0, 1023);
+      }
+      plane.samples[i] = static_cast<std::uint16_t>(4 * level + (0x1B >> 2 * (i % 4) & 3));
     }
     const std::uint32_t lowBits = width * height / 4;
     const auto stuffing = static_cast<std::uint8_t>(random());
@@ -56,6 +62,7 @@ TEST(SensorPlaneDecoder, AgreesWithTheCodeReadBitByBit) {
         plane, {set, 0, 0},
         {.stuffing = stuffing, .runsToLastEntry = round % 2 == 0, .minimumCodedSize = 1});
     coded.erase(coded.begin(), coded.begin() + static_cast<std::ptrdiff_t>(lowBits));
+    const Bytes whole = coded;
     if (round % 3 == 0) coded.resize(draw(0, static_cast<std::uint32_t>(coded.size())));
     for (std::uint32_t n = round % 4 == 0 ? draw(1, 5) : 0; n > 0 && !coded.empty(); --n) {
       coded[random() % coded.size()] = static_cast<std::uint8_t>(random());
@@ -84,6 +91,9 @@ TEST(SensorPlaneDecoder, AgreesWithTheCodeReadBitByBit) {
         inFirst > 0 && fuzz::PlainDecode(coded, 0x1B, set, width, width * height, expected);
     ASSERT_EQ(result, fits ? DEIMG_OK : DEIMG_BAD_DATA) << round;
     (fits ? fitting : damaged) += 1;
+    if (coded == whole) {
+      ASSERT_TRUE(fits && expected == plane.samples) << round;
+    }
     for (std::size_t i = 0; fits && i < expected.size(); ++i) {
       ASSERT_EQ(stream.memory()[2 * i] | stream.memory()[2 * i + 1] << 8, expected[i])
           << "round " << round << " sample " << i;

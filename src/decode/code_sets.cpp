@@ -60,10 +60,14 @@ constexpr CodeSet kCodeSets[] = {
 };
 // clang-format on
 
+/// Every symbol has one code.
 template <typename Code>
 constexpr bool IsFull(const Code& code) {
+  auto symbols = code.symbols;
+  std::sort(symbols.begin(), symbols.end());
   return std::accumulate(code.counts.begin(), code.counts.end(), std::size_t{0}) ==
-         code.symbols.size();
+             symbols.size() &&
+         std::adjacent_find(symbols.begin(), symbols.end()) == symbols.end();
 }
 static_assert(std::all_of(std::begin(kCodeSets), std::end(kCodeSets), [](const CodeSet& set) {
   return IsFull(set.firstValue) && IsFull(set.runSize);
