@@ -30,9 +30,10 @@ struct Parts {
   void Decode() {
     std::size_t position = 0;
     CallerStream input = MemoryInput(scene.file, position);
-    if (SensorPlaneDecoder(ChosenLevel().planeLines(), input, geometry, props, *plane.get()) !=
-        DEIMG_OK)
+    if (SensorPlaneDecoder(ChosenLevel().planeLines(), input, geometry, props,
+                           {*plane.get(), plane.samples()}) != DEIMG_OK) {
       std::abort();
+    }
   }
   void SubtractBlack() {
     if (BlackLevelSubtraction(ChosenLevel().planeLines(), geometry, *plane.get(),
@@ -51,8 +52,8 @@ struct Parts {
   void Reduce() {
     const ImageGeometry reduced = ReduceGeometry(geometry);
     const auto planes = BlockOf<std::uint16_t>::Zeroed(2 * PlaneBytes(reduced));
-    if (PreviewReduction(ChosenLevel().planeLines(), *plane.get(), geometry, reduced,
-                         planes.get()) != DEIMG_OK)
+    if (PreviewReduction(ChosenLevel().planeLines(), {*plane.get(), plane.samples()}, geometry,
+                         reduced, planes.get()) != DEIMG_OK)
       std::abort();
   }
 

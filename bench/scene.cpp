@@ -7,7 +7,9 @@
 #include <fstream>
 #include <iterator>
 #include <map>
+#include <random>
 #include <span>
+#include <string>
 #include <utility>
 
 #include "rawfile/mosaic.h"
@@ -22,9 +24,30 @@ struct Reader {
   std::size_t* position;
 };
 
-/// The developed sample: what the scene shows.
-rawfile::Picture Landscape() {
-  std::ifstream stream(DEIMG_SAMPLES "/landscape.raw", std::ios::binary);
+/// A scene shows a developed sample, enlarged and tiled, with noise of a standard deviation.
+struct Recipe {
+  std::string_view name;
+  const char* sample;
+  std::uint32_t zoom;
+  int noise;
+  std::uint32_t codeSet;
+};
+constexpr Recipe kRecipes[] = {{"photo", "coffee", 5, 1, 0},
+                               {"landscape", "landscape", 1, 0, 0},
+                               {"coffee", "coffee", 1, 0, 1},
+                               {"chart", "chart", 1, 0, 2},
+                               {"noisy", "landscape", 1, 9, 2}};
+
+const Recipe& RecipeOf(std::string_view name) {
+  for (const Recipe& recipe : kRecipes) {
+    if (recipe.name == name) return recipe;
+  }
+  std::fprintf(stderr, "there is no scene '%.*s'\n", static_cast<int>(name.size()), name.data());
+  std::exit(1);
+}
+
+rawfile::Picture Developed(const std::string& sample) {
+  std::ifstream stream(DEIMG_SAMPLES "/" + sample + ".raw", std::ios::binary);
   const std::vector<std::uint8_t> file{std::istreambuf_iterator<char>(stream),
                                        std::istreambuf_iterator<char>()};
   rawfile::Picture picture;
@@ -47,20 +70,50 @@ rawfile::Picture Landscape() {
   return picture;
 }
 
-Scene Make(int width, int height) {
-  const rawfile::Picture tile = Landscape();
+/// Noise of standard deviation 1, in units of 1/148: the sum of four random bytes.
+int Noise(std::mt19937& random) {
+  const auto r = static_cast<std::uint32_t>(random());
+  return static_cast<int>((r & 255) + (r >> 8 & 255) + (r >> 16 & 255) + (r >> 24)) - 510;
+}
+
+/// One line of the scene; between the sample's pixels it is interpolated.
+void FillLine(const Recipe& recipe, const rawfile::Picture& tile, std::uint32_t y,
+              std::span<std::uint8_t> line) {
+  const std::uint32_t zoom = recipe.zoom, lowerShare = y % zoom;
+  const auto row = [&](std::uint32_t at) {
+    return tile.rgb.data() + std::size_t{at % tile.height} * tile.width * 3;
+  };
+  const std::uint8_t* const upper = row(y / zoom);
+  const std::uint8_t* const lower = row(y / zoom + 1);
+  std::mt19937 random(y);
+  for (std::uint32_t i = 0; i < line.size(); ++i) {
+    const std::uint32_t x = i / 3, rightShare = x % zoom;
+    const std::uint32_t left = x / zoom % tile.width * 3 + i % 3;
+    const std::uint32_t right = (x / zoom + 1) % tile.width * 3 + i % 3;
+    const auto between = [&](const std::uint8_t* samples) {
+      return samples[left] * (zoom - rightShare) + samples[right] * rightShare;
+    };
+    const std::uint32_t value =
+        (between(upper) * (zoom - lowerShare) + between(lower) * lowerShare) / (zoom * zoom);
+    const int noise = recipe.noise == 0 ? 0 : recipe.noise * Noise(random) / 148;
+    line[i] = static_cast<std::uint8_t>(std::clamp(static_cast<int>(value) + noise, 0, 255));
+  }
+}
+
+}  // namespace
+
+Scene MakeScene(std::string_view name, int width, int height) {
+  const Recipe& recipe = RecipeOf(name);
+  const rawfile::Picture tile = Developed(recipe.sample);
   rawfile::PictureSource source;
   source.width = static_cast<std::uint32_t>(width) - 2 * rawfile::kPictureBorder;
   source.height = static_cast<std::uint32_t>(height) - 2 * rawfile::kPictureBorder;
   source.readLine = [&](std::uint32_t y, std::span<std::uint8_t> line) {
-    const std::uint8_t* const from =
-        tile.rgb.data() + std::size_t{y % tile.height} * tile.width * 3;
-    for (std::size_t x = 0; x < line.size(); x += 3 * tile.width) {
-      std::memcpy(&line[x], from, std::min<std::size_t>(3 * tile.width, line.size() - x));
-    }
+    FillLine(recipe, tile, y, line);
   };
   rawfile::RawFile file;
   file.properties = rawfile::NaturalProperties();
+  file.properties.decoder.codeSet = recipe.codeSet;
   SetPicture(source, file);
   Scene scene{static_cast<int>(file.plane.width), static_cast<int>(file.plane.height),
               Serialize(file), std::move(file.plane.samples)};
@@ -69,12 +122,10 @@ Scene Make(int width, int height) {
   return scene;
 }
 
-}  // namespace
-
 const Scene& SceneOf(int width, int height) {
   static std::map<std::pair<int, int>, Scene> scenes;
   const auto [it, fresh] = scenes.try_emplace({width, height});
-  if (fresh) it->second = Make(width, height);
+  if (fresh) it->second = MakeScene("landscape", width, height);
   return it->second;
 }
 

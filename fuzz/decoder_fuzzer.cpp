@@ -15,7 +15,12 @@ using namespace deimg;
 namespace {
 
 struct Recipe {
-  enum How : std::uint8_t { kCodeSet = 3, kBestLevel = 64, kSmallPortions = 128 };
+  enum How : std::uint8_t {
+    kCodeSet = 3,
+    kThroughStream = 8,
+    kBestLevel = 64,
+    kSmallPortions = 128
+  };
   enum Fault : std::uint8_t { kNone, kHeap, kInput, kInputOperation, kPlaneOperation, kPlaneOpen };
 
   std::uint8_t how;    // code set and How
@@ -75,8 +80,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (recipe.fault == Recipe::kPlaneOperation) Remove(*plane.get(), recipe.faultAt, true);
     if (recipe.fault == Recipe::kPlaneOpen) plane.get()->Open = RefuseToOpen;
     const Level& level = (recipe.how & Recipe::kBestLevel) != 0 ? ChosenLevel() : Levels()[0];
-    const Result result =
-        SensorPlaneDecoder(level.planeLines(), *input.get(), geometry, props, *plane.get());
+    const bool inMemory = (recipe.how & Recipe::kThroughStream) == 0;
+    const Result result = SensorPlaneDecoder(level.planeLines(), *input.get(), geometry, props,
+                                             {*plane.get(), inMemory ? plane.samples() : nullptr});
 
     const bool heapFailed =
         faults.failAt > 0 && testing::FaultScope::Allocations() >= faults.failAt;

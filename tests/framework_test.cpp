@@ -23,6 +23,11 @@ class Probe final : public ComponentX {
     }
     return failAt != 0 && linesComputed >= failAt ? Result{77} : Result{DEIMG_OK};
   }
+  Result Prepare() override {
+    ++prepared;
+    return DEIMG_OK;
+  }
+  int prepared = 0;
   int linesComputed = 0;
   int failAt = 0;
 };
@@ -58,9 +63,19 @@ TEST(Component, DiamondComputesEveryLineOnce) {
   EXPECT_EQ(source.GetLine(0, 1), nullptr);
   EXPECT_EQ(source.GetLine(0, 8), nullptr);
 
+  // Anew at another line, further down or up: only the lines around it, and no table again.
+  for (const int line : {60, 30}) {
+    const int before = source.linesComputed;
+    ASSERT_EQ(sink.Start(line), DEIMG_OK);
+    EXPECT_EQ(source.linesComputed, before + 9);
+    EXPECT_EQ(sink.linesComputed, 1 + 15 + (line == 60 ? 1 : 2));
+    for (int o = -4; o <= 4; ++o) EXPECT_EQ(source.GetLine(o, 0)[0], line + o);
+  }
+  EXPECT_EQ(source.prepared, 1);
+
   right.failAt = 1;
-  EXPECT_EQ(sink.Advance(21), 77u);
-  EXPECT_EQ(sink.currentLine(), 20);
+  EXPECT_EQ(sink.Advance(31), 77u);
+  EXPECT_EQ(sink.currentLine(), 30);
 }
 
 /// Reads one line further down than it declares, or writes one.
@@ -101,6 +116,7 @@ TEST(ProcessingGraph, IsWiredAsTheTablesSay) {
                                          {TypeId::kVHDiff, 4},
                                          {TypeId::kHokanCircuit, 2},
                                          {TypeId::kAFilterHokanLpf, 6}};
+  EXPECT_EQ(ProcessingGraph::kReach, graph->Find(TypeId::kSourceStreamReader)->margin() / 2);
   for (const ComponentInfo& info : kComponents) {
     ComponentX* const component = graph->Find(info.typeId);
     ASSERT_NE(component, nullptr) << info.name;

@@ -268,9 +268,10 @@ class Plain {
 
   void ChromaSuppress() {
     Samples curve(1024);
-    ASSERT_EQ(
-        BuildSuppressionCurve(b_.tuning.chromaSuppression[b_.settings.isoClass], curve.data()),
-        DEIMG_OK);
+    SuppressionSegments segments;
+    ASSERT_EQ(BuildSuppressionCurve(b_.tuning.chromaSuppression[b_.settings.isoClass], curve.data(),
+                                    segments),
+              DEIMG_OK);
     const Samples r = In(TypeId::kHokanVH, 0), b = In(TypeId::kHokanVH, 3),
                   h = In(TypeId::kHorLpfForAFilter, 0);
     const auto level = [&](int x) {
@@ -595,6 +596,11 @@ TEST_P(Stages, ComputeWhatIsStatedFromTheirWindowAlone) {
         const std::vector<Samples> held = LinesOf(bench, stage);
         bench.Compute(stage);
         ASSERT_EQ(LinesOf(bench, stage), Plain(bench, stage, held).Lines());
+        for (int p = 0; p < stage.portCount(); ++p) {
+          for (const Sample v : bench.Line(stage, p, 0)) {
+            ASSERT_TRUE(stage.port(p)->range().Contains(v)) << "port " << p << ": " << v;
+          }
+        }
         if (info.typeId == TypeId::kVApcProcs) continue;  // goes on from what it held
         bench.FillInputs(stage, false);
         const std::vector<Samples> lines = LinesOf(bench, stage);

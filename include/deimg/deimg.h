@@ -3,9 +3,13 @@
  * The interface of the deimg library: one function, two structures and the constants that go with
  * them. Plain C; usable from C and C++.
  *
- * A host calls DEImg_DevelopM480() once per picture. Everything happens on the calling thread
- * inside that call, through the two streams the host supplies; nothing is kept afterwards.
- * Different threads may each run a call of their own at the same time.
+ * A host calls DEImg_DevelopM480() once per picture. Everything happens inside that call, through
+ * the two streams the host supplies, whose operations are called on the calling thread alone;
+ * nothing is kept afterwards. Different threads may each run a call of their own at the same time.
+ *
+ * The environment variable DEIMG_THREADS, read at every call, lets a call use helping threads: a
+ * number from 1 to 64, or "all" (or 0) for one thread per core, the calling one included. Without
+ * it, or with anything else, no thread is started. The picture is the same in any case.
  */
 #ifndef DEIMG_DEIMG_H
 #define DEIMG_DEIMG_H

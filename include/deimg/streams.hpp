@@ -319,6 +319,10 @@ inline DevelopParams AsRecorded() noexcept {
   return params;
 }
 
+/// The library's function, or one in its place.
+using DevelopFunction = std::function<uint32_t(CallerStream* input, uint32_t flags, uint32_t format,
+                                               DevelopParams* params, CallerStream* output)>;
+
 /// What to make of a raw file.
 struct Options {
   DEImgJob job = DEIMG_JOB_FULL;
@@ -327,6 +331,8 @@ struct Options {
   ProgressCallback progress = {};  ///< may be empty
   const std::atomic<bool>* cancel =
       nullptr;  ///< ends the job with kCancelled once set; may be null
+  /// Such as the one of a library that the host loaded itself.
+  DevelopFunction function = DEImg_DevelopM480;
 };
 
 /// Develops one raw file and hands every line to `onLine`.
@@ -337,8 +343,8 @@ inline DevelopParams Develop(Input& input, const Options& options, LineCallback 
   LineOutput output(std::move(onLine), options.progress, options.cancel);
   input.CancelOn(options.cancel);
   const uint32_t code =
-      DEImg_DevelopM480(input.stream(), static_cast<uint32_t>(options.job),
-                        static_cast<uint32_t>(options.format), &settings, output.stream());
+      options.function(input.stream(), static_cast<uint32_t>(options.job),
+                       static_cast<uint32_t>(options.format), &settings, output.stream());
   output.Rethrow();
   if (code != DEIMG_OK) throw Error(code);
   return settings;

@@ -4,7 +4,7 @@ _deimg() {
   local word=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
   local command=${COMP_WORDS[1]}
   local commands='develop preview thumbnail info check version help'
-  local batch='--help --jobs --progress'
+  local batch='--help --jobs --threads --progress'
   local picture='--wb --exposure --tone --saturation --colour'
   local output='--output --format --quality --resolution --force --skip-existing'
   local options
@@ -27,7 +27,7 @@ _deimg() {
       mapfile -t COMPREPLY < <(compgen -W 'recorded preset: point: gains:' -- "$word")
       [[ ${COMPREPLY[0]} == *: ]] && compopt -o nospace
       return ;;
-    --exposure | --quality | --resolution | --size | -j | --jobs) return ;;
+    --exposure | --quality | --resolution | --size | -j | --jobs | --threads) return ;;
   esac
 
   case $command in

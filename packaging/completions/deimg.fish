@@ -17,6 +17,7 @@ complete -c deimg -n __fish_use_subcommand -a help -d 'Print help on a command o
 
 set -l batch "__fish_seen_subcommand_from $batches"
 complete -c deimg -n "$batch" -s j -l jobs -x -d 'Files to work on at once'
+complete -c deimg -n "$batch" -l threads -x -d 'Threads to develop each file on'
 complete -c deimg -n "$batch" -l progress -x -a 'none bar json' -d 'What to show'
 
 set -l picture "__fish_seen_subcommand_from $pictures"

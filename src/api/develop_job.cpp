@@ -26,7 +26,7 @@ Result DevelopJob::Run() {
   DEIMG_RETURN_IF_FAILED(BalanceFromPoint());
   if (kind_.quick) ForceQuickSettings(params_);
   if (!kind_.reduced) {
-    return GraphBuilder(level_, plane(), geometry_, params_, props_, format_.sampleBytes, output_);
+    return Develop(planeInMemory_, plane(), geometry_, format_.sampleBytes, output_);
   }
   DEIMG_RETURN_IF_FAILED(ReducePlane());
   return kind_.thumbnail ? DevelopThumbnail() : DevelopReduced(output_);
@@ -64,13 +64,27 @@ Result DevelopJob::MakePlane() {
 }
 
 Result DevelopJob::FillPlane() {
-  DEIMG_RETURN_IF_FAILED(
-      SensorPlaneDecoder(level_.planeLines(), input_, geometry_, props_, plane()));
+  // A picture whose settings are known already can be developed while its plane is decoded.
+  if (planeInMemory_ && !kind_.reduced && !MeasuresPoint()) {
+    OfferBands(planeInMemory_, geometry_, format_.sampleBytes);
+  }
+  const auto linesReady = [](void* self, int lines) {
+    auto& bands = static_cast<DevelopJob*>(self)->bands_;
+    if (bands) bands->LinesReady(lines);
+  };
+  DEIMG_RETURN_IF_FAILED(SensorPlaneDecoder(level_.planeLines(), input_, geometry_, props_,
+                                            sensorPlane(), {linesReady, this}));
+  // Lines in memory are without their black levels already.
+  if (planeInMemory_) return DEIMG_OK;
   return BlackLevelSubtraction(level_.planeLines(), geometry_, plane(), props_.blackLevelWords);
 }
 
+bool DevelopJob::MeasuresPoint() const {
+  return params_.whiteBalance.wbGainsSet != 1 && params_.wbPreset == DEIMG_WB_POINT;
+}
+
 Result DevelopJob::BalanceFromPoint() {
-  if (params_.whiteBalance.wbGainsSet == 1 || params_.wbPreset != DEIMG_WB_POINT) return DEIMG_OK;
+  if (!MeasuresPoint()) return DEIMG_OK;
   if (params_.wbPointX < 0 || params_.wbPointX >= geometry_.areaWidth || params_.wbPointY < 0 ||
       params_.wbPointY >= geometry_.areaHeight) {
     return DEIMG_UNSUPPORTED;
@@ -81,12 +95,30 @@ Result DevelopJob::BalanceFromPoint() {
 Result DevelopJob::ReducePlane() {
   previewPlanes_ = MemoryStream::Make(4 * PlaneBytes(reduced_));
   if (!previewPlanes_) return DEIMG_OUT_OF_MEMORY;
-  return PreviewReduction(level_.planeLines(), plane(), geometry_, reduced_,
-                          reinterpret_cast<std::uint16_t*>(previewPlanes_.memory()));
+  return PreviewReduction(level_.planeLines(), sensorPlane(), geometry_, reduced_,
+                          previewPlanes_.samples());
 }
 
 Result DevelopJob::DevelopReduced(CallerStream& output) {
-  return GraphBuilder(level_, *previewPlanes_.get(), reduced_, params_, props_, 1, output);
+  return Develop(previewPlanes_, *previewPlanes_.get(), reduced_, 1, output);
+}
+
+void DevelopJob::OfferBands(const MemoryStream& plane, const ImageGeometry& geometry,
+                            int sampleBytes) {
+  if (!bands_) return;
+  DevelopParams params = params_;
+  if (kind_.quick) ForceQuickSettings(params);
+  bands_->Offer(level_, plane, geometry, params, props_, sampleBytes);
+}
+
+Result DevelopJob::Develop(const MemoryStream& planeInMemory, CallerStream& plane,
+                           const ImageGeometry& geometry, int sampleBytes, CallerStream& output) {
+  if (bands_ && planeInMemory) {
+    if (!bands_->isOffered()) OfferBands(planeInMemory, geometry, sampleBytes);
+    bands_->LinesReady(geometry.sensorHeight);
+  }
+  return GraphBuilder(level_, plane, geometry, params_, props_, sampleBytes, output,
+                      bands_ ? &*bands_ : nullptr);
 }
 
 Result DevelopJob::DevelopThumbnail() {

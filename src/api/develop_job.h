@@ -2,9 +2,13 @@
 #ifndef DEIMG_API_DEVELOP_JOB_H
 #define DEIMG_API_DEVELOP_JOB_H
 
+#include <optional>
+
 #include "api/job_kinds.h"
 #include "api/thumbnail.h"
 #include "base/result.h"
+#include "decode/sensor_plane.h"
+#include "pipeline/bands.h"
 #include "pipeline/levels.h"
 #include "props/image_geometry.h"
 #include "props/image_props.h"
@@ -17,8 +21,10 @@ namespace deimg {
 class DevelopJob {
  public:
   DevelopJob(CallerStream& input, const JobKind& kind, const OutputFormat& format,
-             DevelopParams& params, CallerStream& output)
-      : input_(input), kind_(kind), format_(format), params_(params), output_(output) {}
+             DevelopParams& params, CallerStream& output, const ThreadPlan& threads = {})
+      : input_(input), kind_(kind), format_(format), params_(params), output_(output) {
+    if (threads.threads > 1) bands_.emplace(threads);
+  }
 
   [[nodiscard]] Result Run();
 
@@ -30,11 +36,18 @@ class DevelopJob {
   [[nodiscard]] Result BalanceFromPoint();
   [[nodiscard]] Result ReducePlane();
   [[nodiscard]] Result DevelopReduced(CallerStream& output);
+  /// `planeInMemory` is empty when the plane is in a file.
+  [[nodiscard]] Result Develop(const MemoryStream& planeInMemory, CallerStream& plane,
+                               const ImageGeometry& geometry, int sampleBytes,
+                               CallerStream& output);
   [[nodiscard]] Result DevelopThumbnail();
   [[nodiscard]] Result DeliverThumbnail();
 
   [[nodiscard]] Result Report(int percent);
+  [[nodiscard]] bool MeasuresPoint() const;
+  void OfferBands(const MemoryStream& plane, const ImageGeometry& geometry, int sampleBytes);
   CallerStream& plane() const { return planeInMemory_ ? *planeInMemory_.get() : *planeFile_.get(); }
+  SensorPlane sensorPlane() const { return {plane(), planeInMemory_.samples()}; }
 
   CallerStream& input_;
   const JobKind& kind_;
@@ -47,12 +60,14 @@ class DevelopJob {
   ImageGeometry geometry_{};
   ReducedGeometry reduced_{};
 
-  // Released from the last one to the first: the plane goes before everything made from it.
+  // Released from the last one to the first: the helping threads end first, and the plane goes
+  // before everything made from it.
   ThumbnailBuffer thumbnail_;
   MemoryStream previewPicture_;
   MemoryStream previewPlanes_;
   FileStream planeFile_;
   MemoryStream planeInMemory_;
+  std::optional<Bands> bands_;  // none when the job has one thread
 };
 
 }  // namespace deimg

@@ -6,6 +6,13 @@
 
 namespace deimg {
 
+void SubtractBlackLevels(const PlaneLines& lines, const std::uint16_t (&blackLevelWords)[4],
+                         std::uint32_t y, std::uint32_t width, std::uint16_t* line) {
+  const std::size_t odd = y % 2 != 0 ? 2 : 0;
+  lines.subtractLevels(blackLevelWords[odd + 1], blackLevelWords[odd], static_cast<int>(width),
+                       line);
+}
+
 Result BlackLevelSubtraction(const PlaneLines& lines, const ImageGeometry& geometry,
                              CallerStream& plane, const std::uint16_t (&blackLevelWords)[4]) {
   DEIMG_RETURN_IF_FAILED(Open(plane, DEIMG_OPEN_UPDATE));
@@ -18,9 +25,7 @@ Result BlackLevelSubtraction(const PlaneLines& lines, const ImageGeometry& geome
     DEIMG_RETURN_IF_FAILED(Read(plane, line.get(), lineBytes, delivered));
     if (delivered < lineBytes) return DEIMG_FILE_READ;
     ToLittleEndian(line.get(), geometry.sensorWidth);  // and back, which is the same
-    const std::size_t odd = y % 2 != 0 ? 2 : 0;
-    lines.subtractLevels(blackLevelWords[odd + 1], blackLevelWords[odd], geometry.sensorWidth,
-                         line.get());
+    SubtractBlackLevels(lines, blackLevelWords, y, geometry.sensorWidth, line.get());
     ToLittleEndian(line.get(), geometry.sensorWidth);
     (void)SeekTo(plane, lineBytes * y);
     DEIMG_RETURN_IF_FAILED(Write(plane, line.get(), lineBytes));

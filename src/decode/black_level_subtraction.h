@@ -10,7 +10,11 @@
 
 namespace deimg {
 
-/// Subtracts the black levels from the plane, in place, line by line; samples at or below theirs
+/// Subtracts the black levels from line `y` of a plane, in the machine's byte order.
+void SubtractBlackLevels(const PlaneLines& lines, const std::uint16_t (&blackLevelWords)[4],
+                         std::uint32_t y, std::uint32_t width, std::uint16_t* line);
+
+/// Subtracts the black levels from a plane in a file, line by line; samples at or below theirs
 /// become 0. The levels are those of the positions (even line, odd column), (even, even), (odd,
 /// odd), (odd, even). Opens the stream with mode 2 and closes it; after a failure it stays open.
 ///

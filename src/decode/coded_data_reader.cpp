@@ -1,5 +1,6 @@
 #include "decode/coded_data_reader.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "storage/stream_calls.h"
@@ -11,68 +12,25 @@ constexpr int kNoEndSymbol = -1;
 constexpr int kEndOfBlock = 0;
 constexpr std::uint32_t kLastEntry = 63;
 
-/// Bytes behind the buffer that may be loaded together with its last ones.
-constexpr std::uint32_t kSlackBytes = 16;
+/// Bytes behind the buffer, of any value, that a block which begins inside it may take for its own.
+constexpr std::uint32_t kSlackBytes = 256;
+static_assert(kBlockSamples * DifferenceTable::kMostBits / 8 + 16 <= kSlackBytes);
 
-/// No block takes more bits than this, and loading them touches no byte beyond.
-constexpr std::uint32_t kMostBlockBits = 64 * DifferenceTable::kMostBits + 8 * kSlackBytes;
+static_assert(DifferenceTable::kMostBits <= 49, "a first value before any refill");
+static_assert(SymbolTable::kMostBits + DifferenceTable::kMostBits <= 56, "look-ups to a refill");
 
-/// Spelled out: compilers recognise this as one load and a byte swap, but not a loop.
-std::uint64_t LoadBigEndian64(const std::uint8_t* p) {
-  return std::uint64_t{p[0]} << 56 | std::uint64_t{p[1]} << 48 | std::uint64_t{p[2]} << 40 |
-         std::uint64_t{p[3]} << 32 | std::uint64_t{p[4]} << 24 | std::uint64_t{p[5]} << 16 |
-         std::uint64_t{p[6]} << 8 | std::uint64_t{p[7]};
+/// Stores what a look-up found, `at` being the entry before.
+inline void Store(const CodedSymbols& symbols, std::uint64_t next, std::int16_t* at) {
+  at[symbols.firstAdvance()] = symbols.firstDifference();
+  at[symbols.last().advance()] = symbols.last().DifferenceBehind(next);
 }
 
-/// The next bits of a byte sequence, most significant first: at least 49 of them at first, 56 after
-/// a refill.
-class BitWindow {
- public:
-  BitWindow(const std::uint8_t* bytes, std::uint32_t position)
-      : bytes_(bytes),
-        next_(bytes + position / 8),
-        bits_(LoadBigEndian64(next_) << position % 8),
-        count_(56 - position % 8) {
-    next_ += 7;
-  }
-
-  std::uint64_t bits() const { return bits_; }
-  void Use(std::uint32_t count) {
-    bits_ <<= count;
-    count_ -= count;
-  }
-  /// Fills up with whole bytes. The bits below the counted ones are already those that follow.
-  void Refill() {
-    bits_ |= LoadBigEndian64(next_) >> count_;
-    next_ += (63 - count_) / 8;
-    count_ |= 56;
-  }
-  std::uint32_t position() const { return static_cast<std::uint32_t>(next_ - bytes_) * 8 - count_; }
-
- private:
-  const std::uint8_t* const bytes_;
-  const std::uint8_t* next_;
-  std::uint64_t bits_;
-  std::uint32_t count_;  // below 64
-};
-static_assert(DifferenceTable::kMostBits <= 49, "a first value before any refill");
-static_assert(2 * DifferenceTable::kMostBits <= 56, "two symbols to a refill");
-
-/// Stores a symbol's difference behind position k, and often the next one's too. False, and nothing
-/// is used, when that could reach the block's end.
-inline bool StoreSymbols(const DifferenceTable& table, BitWindow& window, DifferenceBlock& block,
-                         std::uint32_t& k) {
-  NextSymbol second;
-  const CodedSize first = table.Decode(window.bits(), second);
-  const std::uint32_t position = k + first.advance();
-  const std::uint32_t last = position + second.advance();
-  if (last >= kLastEntry) return false;
-  // Without a second symbol both positions are the same, and the first difference stays.
-  block[last] = second.difference();
-  block[position] = static_cast<std::int16_t>(first.DifferenceBehind(window.bits()));
-  window.Use(second.bits());
-  k = last;
-  return true;
+/// The same where a block may end: what lies `distance` entries on or nearer. The entry behind it
+/// takes the rest.
+inline void StoreToEnd(const CodedSymbols& symbols, std::uint64_t next, std::uint32_t distance,
+                       std::int16_t* at) {
+  at[std::min(symbols.firstAdvance(), distance + 1)] = symbols.firstDifference();
+  at[std::min(symbols.last().advance(), distance + 1)] = symbols.last().DifferenceBehind(next);
 }
 
 }  // namespace
@@ -81,6 +39,7 @@ CodedDataReader::CodedDataReader(CallerStream& source, const CodeSet& codes)
     : source_(source),
       firstValues_(codes.firstValue.counts, codes.firstValue.symbols, kNoEndSymbol),
       runSizes_(codes.runSize.counts, codes.runSize.symbols, kEndOfBlock),
+      symbols_(runSizes_),
       firstValueTree_(codes.firstValue),
       runSizeTree_(codes.runSize) {}
 
@@ -98,45 +57,62 @@ Result CodedDataReader::Begin(std::uint64_t skip) {
   return DEIMG_OK;
 }
 
-Result CodedDataReader::DecodeBlock(DifferenceBlock& block) {
-  block = {};
-  if (endBit_ - nextBit_ >= kMostBlockBits && DecodeInsideBuffer(block)) return DEIMG_OK;
-  block = {};
-  return DecodeBitByBit(block);
-}
-
-/// Decodes a block that cannot reach the buffer's end; false when it is not in order.
-bool CodedDataReader::DecodeInsideBuffer(DifferenceBlock& block) {
+Result CodedDataReader::Decode(std::uint32_t count, DifferenceBlocks& blocks) {
+  blocks.Clear();
   BitWindow window(buffer_.get(), nextBit_);
-  const CodedSize first = firstValues_.Decode(window.bits());
-  if (first.bits() == 0) return false;
-  block[0] = static_cast<std::int16_t>(first.DifferenceBehind(window.bits()));
-  window.Use(first.bits());
-  window.Refill();
-  std::uint32_t k = 0;
-  while (StoreSymbols(runSizes_, window, block, k) && StoreSymbols(runSizes_, window, block, k)) {
-    window.Refill();
-  }
-  // Near the block's end symbol by symbol, as the block may end between two.
-  for (;;) {
-    window.Refill();
-    for (int i = 0; i < 2; ++i) {
-      const CodedSize coded = runSizes_.Decode(window.bits());
-      const auto difference = static_cast<std::int16_t>(coded.DifferenceBehind(window.bits()));
-      window.Use(coded.bits());
-      k += coded.advance();
-      if (k >= kLastEntry) {
-        if (k != kLastEntry && k < CodedSize::kEndOfBlock) return false;
-        if (k == kLastEntry) block[k] = difference;
-        nextBit_ = window.position();
-        return true;
-      }
-      block[k] = difference;
+  for (std::uint32_t i = 0; i < count; ++i) {
+    if (DecodeBlock(window, blocks.block(i))) {
+      nextBit_ = window.position();
+    } else {
+      DEIMG_RETURN_IF_FAILED(DecodeBitByBit(blocks.block(i)));
+      window = BitWindow(buffer_.get(), nextBit_);
     }
   }
+  return DEIMG_OK;
 }
 
-Result CodedDataReader::DecodeBitByBit(DifferenceBlock& block) {
+/// Decodes a block that ends in front of the buffer's last bit; false when it does not, or is not
+/// in order.
+bool CodedDataReader::DecodeBlock(BitWindow& from, std::int16_t* block) const {
+  BitWindow window = from;  // in registers
+  window.Refill();
+  const CodedSize first = firstValues_.Decode(window.bits());
+  if (first.bits() == 0) return false;
+  block[0] = first.DifferenceBehind(window.bits());
+  window.Use(first.bits());
+  for (std::uint32_t k = 0; k < kLastEntry;) {
+    window.Refill();
+    for (int i = 0; i < 2; ++i) {
+      const CodedSymbols& symbols = symbols_.Decode(window.bits());
+      const std::uint32_t advance = symbols.last().advance();
+      if (k + advance >= kLastEntry) [[unlikely]] {
+        if (advance == CodedSize::kNoCode) {
+          const CodedSize symbol = runSizes_.DecodeLong(window.bits());
+          k += symbol.advance();
+          if (k > kLastEntry) return false;
+          block[k] = symbol.DifferenceBehind(window.bits());
+          window.Use(symbol.bits());
+        } else {
+          const std::uint32_t distance = kLastEntry - k;
+          StoreToEnd(symbols, window.bits(), distance, block + k);
+          const std::uint32_t used = symbols.BitsToEnd(distance);
+          if (used == 0) return false;
+          window.Use(used);
+          k = kLastEntry;
+        }
+        break;
+      }
+      Store(symbols, window.bits(), block + k);
+      window.Use(symbols_.Bits(window.bits()));
+      k += advance;
+    }
+  }
+  from = window;
+  return window.position() < endBit_;
+}
+
+Result CodedDataReader::DecodeBitByBit(std::int16_t* block) {
+  std::fill_n(block, kBlockSamples, std::int16_t{0});
   std::int32_t symbol = 0;
   DEIMG_RETURN_IF_FAILED(DecodeSymbol(firstValueTree_.nodes, symbol));
   DEIMG_RETURN_IF_FAILED(ExtendDifference(symbol, block[0]));

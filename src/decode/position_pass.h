@@ -41,38 +41,46 @@ struct ReductionSizes {
   std::uint32_t gridSamples() const { return 3 * thirdSamples(); }
 };
 
-/// Shrinks groups of plane lines to rows of a temporary file, and halves these to the result.
+/// Shrinks groups of plane lines to rows of a temporary file, and halves these to the result as
+/// soon as there are enough of them.
 class PositionPass {
  public:
-  PositionPass(const PlaneLines& lines, Phase phase) : lines_(lines), phase_(phase) {}
+  /// The result has `stride` samples a line.
+  PositionPass(const PlaneLines& lines, Phase phase, std::uint16_t* result, std::uint32_t stride)
+      : lines_(lines), phase_(phase), result_(result), stride_(stride) {}
 
   [[nodiscard]] bool Allocate(const ReductionSizes& sizes, std::uint32_t groupsAtOnce);
 
   /// Makes the temporary file; 32 when it cannot be used.
   [[nodiscard]] Result OpenFile();
 
-  /// Shrinks `groups` groups whose plane lines start at `lines`; `available` lines are there.
-  [[nodiscard]] Result Shrink(const ReductionSizes& sizes, const std::uint16_t* lines,
-                              std::uint32_t available, std::uint32_t groups);
+  /// Shrinks the next group, whose plane lines start at `lines`, to two thirds in each direction:
+  /// two rows. `available` lines are there: enough, but where the plane ends.
+  void ShrinkGroup(const ReductionSizes& sizes, const std::uint16_t* lines,
+                   std::uint32_t available);
 
-  /// Halves the rows in the temporary file, `atOnce` lines of the result side by side, into a plane
-  /// of `stride` samples a line, and gives the file back.
-  [[nodiscard]] Result Finish(const ReductionSizes& sizes, std::uint32_t atOnce,
-                              std::uint32_t stride, std::uint16_t* plane);
+  /// Passes the rows of the groups since the last call, no more than there is room for, through the
+  /// file and halves them. An error word of the file's Write, or 32.
+  [[nodiscard]] Result HalveGroups(const ReductionSizes& sizes);
 
  private:
+  /// Rows of the groups before that a result still needs.
+  static constexpr std::uint32_t kKeptRows = 3;
+
   void PickPosition(const ReductionSizes& sizes, const std::uint16_t* line,
                     std::uint16_t* samples) const;
-  void ShrinkGroup(const ReductionSizes& sizes, const std::array<const std::uint16_t*, 4>& grid,
-                   std::uint16_t* rows) const;
-  [[nodiscard]] Result ReadRows(const ReductionSizes& sizes, std::uint32_t first,
-                                std::uint32_t count, std::uint16_t* block);
+  void HalveRows(const ReductionSizes& sizes);
 
   const PlaneLines& lines_;
   const Phase phase_;
-  BlockOf<std::uint16_t> grid_;
+  std::uint16_t* const result_;
+  const std::uint32_t stride_;
+  std::uint32_t shrunk_ = 0;  // groups whose rows are in the file
+  std::uint32_t fresh_ = 0;   // and groups whose rows are not yet
+  BlockOf<std::uint16_t> samples_;
+  std::array<std::uint16_t*, 4> grid_{};  // a group's lines in samples_
   BlockOf<std::int32_t> sums_;
-  BlockOf<std::uint16_t> rows_;
+  BlockOf<std::uint16_t> rows_;  // the kept ones, then the fresh ones
   FileStream file_;
 };
 

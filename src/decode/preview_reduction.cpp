@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <span>
 
 #include "base/byte_order.h"
@@ -24,76 +25,103 @@ struct Share {
 constexpr Share kTogether = {4, 16};
 constexpr Share kOneByOne = {1, 1};
 
-/// Reads the plane from top to bottom and has every position shrink it. `block` holds the lines of
-/// `groupsAtOnce` groups and the overlap.
-Result ShrinkPlane(CallerStream& plane, const ReductionSizes& sizes, std::uint32_t height,
-                   std::uint32_t groupsAtOnce, std::uint16_t* block,
-                   std::span<PositionPass> passes) {
-  const std::uint32_t lineBytes = 2 * sizes.width;
-  std::uint32_t have = 0;  // lines at the start of the block, left from the groups before
-  for (std::uint32_t group = 0; group < sizes.groups; group += groupsAtOnce) {
-    const std::uint32_t groups = std::min(groupsAtOnce, sizes.groups - group);
-    const std::uint32_t next = group * ReductionSizes::kGroupLines + have;
-    const std::uint32_t wanted = std::min(
-        groups * ReductionSizes::kGroupLines + ReductionSizes::kOverlapLines - have, height - next);
-    std::uint16_t* const fresh = block + std::size_t{have} * sizes.width;
-    std::uint32_t delivered = 0;
-    (void)SeekTo(plane, next * lineBytes);
-    (void)Read(plane, fresh, wanted * lineBytes, delivered);
-    // These lines are there: without them there is no picture.
-    if (delivered < wanted * lineBytes) return DEIMG_FILE_READ;
-    ToLittleEndian(fresh, std::size_t{wanted} * sizes.width);  // and back, which is the same
-    for (PositionPass& pass : passes) {
-      DEIMG_RETURN_IF_FAILED(pass.Shrink(sizes, block, have + wanted, groups));
+/// Lines of the plane from top to bottom: where they are in memory, or read into a block.
+class LineReader {
+ public:
+  LineReader(const SensorPlane& plane, const ImageGeometry& geometry)
+      : plane_(plane), width_(geometry.sensorWidth), height_(geometry.sensorHeight) {}
+
+  /// For so many lines at a time: false when memory is short.
+  [[nodiscard]] bool Allocate(std::uint32_t lines) {
+    if (isInPlace()) return true;
+    block_ = BlockOf<std::uint16_t>::Uninitialised(std::uint64_t{lines} * width_);
+    return static_cast<bool>(block_);
+  }
+
+  /// Hands out `count` lines from `first` on, less where the plane ends. Those that the call before
+  /// handed out too are not read again.
+  [[nodiscard]] Result Lines(std::uint32_t first, std::uint32_t& count,
+                             const std::uint16_t*& lines) {
+    count = std::min(count, height_ - first);
+    if (isInPlace()) {
+      lines = plane_.samples + std::size_t{first} * width_;
+      return DEIMG_OK;
     }
-    const std::uint32_t used = groups * ReductionSizes::kGroupLines;
-    have = have + wanted - std::min(used, have + wanted);
-    std::copy_n(block + std::size_t{used} * sizes.width, std::size_t{have} * sizes.width, block);
+    const std::uint32_t have = end_ - first;
+    std::copy_n(block_.get() + std::size_t{first - first_} * width_, std::size_t{have} * width_,
+                block_.get());
+    std::uint16_t* const fresh = block_.get() + std::size_t{have} * width_;
+    const std::uint32_t bytes = 2 * (count - have) * width_;
+    std::uint32_t delivered = 0;
+    (void)SeekTo(plane_.stream, 2 * end_ * width_);
+    (void)Read(plane_.stream, fresh, bytes, delivered);
+    // These lines are there: without them there is no picture.
+    if (delivered < bytes) return DEIMG_FILE_READ;
+    ToLittleEndian(fresh, bytes / 2);  // and back, which is the same
+    first_ = first;
+    end_ = first + count;
+    lines = block_.get();
+    return DEIMG_OK;
+  }
+
+ private:
+  bool isInPlace() const {
+    return plane_.samples != nullptr && std::endian::native == std::endian::little;
+  }
+
+  const SensorPlane& plane_;
+  const std::uint32_t width_;
+  const std::uint32_t height_;
+  BlockOf<std::uint16_t> block_;
+  std::uint32_t first_ = 0;  // lines in the block
+  std::uint32_t end_ = 0;
+};
+
+/// Reduces some of the positions side by side, each into its plane.
+Result ReducePositions(std::span<PositionPass> passes, const Share& share, const SensorPlane& plane,
+                       const ImageGeometry& geometry) {
+  const ReductionSizes sizes(geometry);
+  LineReader reader(plane, geometry);
+  const auto linesOf = [](std::uint32_t groups) {
+    return groups * ReductionSizes::kGroupLines + ReductionSizes::kOverlapLines;
+  };
+  if (!reader.Allocate(linesOf(share.groups))) return DEIMG_OUT_OF_MEMORY;
+  for (PositionPass& pass : passes) {
+    if (!pass.Allocate(sizes, share.groups)) return DEIMG_OUT_OF_MEMORY;
+  }
+  DEIMG_RETURN_IF_FAILED(Open(plane.stream, DEIMG_OPEN_READ));
+  const ClosedOnExit closePlane(plane.stream);
+  for (PositionPass& pass : passes) DEIMG_RETURN_IF_FAILED(pass.OpenFile());
+  for (std::uint32_t group = 0; group < sizes.groups; group += share.groups) {
+    const std::uint32_t groups = std::min(share.groups, sizes.groups - group);
+    const std::uint16_t* lines = nullptr;
+    std::uint32_t available = linesOf(groups);
+    DEIMG_RETURN_IF_FAILED(reader.Lines(group * ReductionSizes::kGroupLines, available, lines));
+    for (std::uint32_t k = 0; k < groups; ++k) {
+      const std::uint32_t top = k * ReductionSizes::kGroupLines;
+      for (PositionPass& pass : passes) {
+        pass.ShrinkGroup(sizes, lines + std::size_t{top} * sizes.width, available - top);
+      }
+    }
+    for (PositionPass& pass : passes) DEIMG_RETURN_IF_FAILED(pass.HalveGroups(sizes));
   }
   return DEIMG_OK;
 }
 
-/// Reduces some of the positions side by side, each into its plane.
-Result ReducePositions(std::span<PositionPass> passes, const Share& share, CallerStream& plane,
-                       const ImageGeometry& geometry, const ReducedGeometry& reduced,
-                       std::uint16_t* planes) {
-  const ReductionSizes sizes(geometry);
-  const auto block = BlockOf<std::uint16_t>::Uninitialised(
-      (std::uint64_t{share.groups} * ReductionSizes::kGroupLines + ReductionSizes::kOverlapLines) *
-      sizes.width);
-  if (!block) return DEIMG_OUT_OF_MEMORY;
-  for (PositionPass& pass : passes) {
-    if (!pass.Allocate(sizes, share.groups)) return DEIMG_OUT_OF_MEMORY;
-  }
-  DEIMG_RETURN_IF_FAILED(Open(plane, DEIMG_OPEN_READ));
-  Result result = DEIMG_OK;
-  for (PositionPass& pass : passes) {
-    if (result == DEIMG_OK) result = pass.OpenFile();
-  }
-  if (result == DEIMG_OK) {
-    result = ShrinkPlane(plane, sizes, geometry.sensorHeight, share.groups, block.get(), passes);
-  }
-  (void)Close(plane);
-  for (PositionPass& pass : passes) {
-    DEIMG_RETURN_IF_FAILED(result);
-    result = pass.Finish(sizes, share.groups, reduced.sensorWidth, planes);
-    planes += std::size_t{reduced.sensorWidth} * reduced.sensorHeight;
-  }
-  return result;
-}
-
 /// Reduces all positions in shares of the same size.
-Result ReduceAll(const PlaneLines& lines, const Share& share, CallerStream& plane,
+Result ReduceAll(const PlaneLines& lines, const Share& share, const SensorPlane& plane,
                  const ImageGeometry& geometry, const ReducedGeometry& reduced,
                  std::uint16_t* planes) {
   const std::size_t planeSamples = std::size_t{reduced.sensorWidth} * reduced.sensorHeight;
   for (std::size_t first = 0; first < kPhases.size(); first += share.positions) {
-    std::array<PositionPass, 4> passes = {PositionPass(lines, kPhases[first]),
-                                          PositionPass(lines, kPhases[(first + 1) % 4]),
-                                          PositionPass(lines, kPhases[(first + 2) % 4]),
-                                          PositionPass(lines, kPhases[(first + 3) % 4])};
-    DEIMG_RETURN_IF_FAILED(ReducePositions(std::span(passes).first(share.positions), share, plane,
-                                           geometry, reduced, planes + first * planeSamples));
+    const auto pass = [&](std::size_t i) {
+      const std::size_t position = (first + i) % kPhases.size();
+      return PositionPass(lines, kPhases[position], planes + position * planeSamples,
+                          reduced.sensorWidth);
+    };
+    std::array<PositionPass, 4> passes = {pass(0), pass(1), pass(2), pass(3)};
+    DEIMG_RETURN_IF_FAILED(
+        ReducePositions(std::span(passes).first(share.positions), share, plane, geometry));
   }
   return DEIMG_OK;
 }
@@ -121,8 +149,9 @@ void Fold(const ReducedGeometry& reduced, std::uint16_t* planes) {
 
 }  // namespace
 
-Result PreviewReduction(const PlaneLines& lines, CallerStream& plane, const ImageGeometry& geometry,
-                        const ReducedGeometry& reduced, std::uint16_t* planes) {
+Result PreviewReduction(const PlaneLines& lines, const SensorPlane& plane,
+                        const ImageGeometry& geometry, const ReducedGeometry& reduced,
+                        std::uint16_t* planes) {
   Result result = ReduceAll(lines, kTogether, plane, geometry, reduced, planes);
   const bool tooMuch =
       result == DEIMG_OUT_OF_MEMORY || result == DEIMG_NO_WORK_FILE || result == DEIMG_FILE_WRITE;

@@ -6,6 +6,7 @@
 
 #include "base/result.h"
 #include "decode/plane_lines.h"
+#include "decode/sensor_plane.h"
 #include "props/image_geometry.h"
 
 namespace deimg {
@@ -15,13 +16,14 @@ namespace deimg {
 /// Each of the four mosaic positions is resampled by itself: three grid steps of a position become
 /// four values (bilinear), pairs of them one, and a 4 x 4 filter halves the result again; what lies
 /// between goes through a temporary file per position. Then the four planes are folded into one
-/// mosaic with the sensor's cell. Every line of the plane is read once.
+/// mosaic with the sensor's cell. Every line of the plane is read once;
+/// a plane in memory is not copied.
 ///
 /// @param planes  four planes of reduced width x height samples, zeroed; the first one receives the
 ///                mosaic in the sensor plane's byte order.
 /// @return DEIMG_OUT_OF_MEMORY, DEIMG_NO_WORK_FILE or an error word of a stream. No temporary file
 ///         is left behind.
-[[nodiscard]] Result PreviewReduction(const PlaneLines& lines, CallerStream& plane,
+[[nodiscard]] Result PreviewReduction(const PlaneLines& lines, const SensorPlane& plane,
                                       const ImageGeometry& geometry, const ReducedGeometry& reduced,
                                       std::uint16_t* planes);
 

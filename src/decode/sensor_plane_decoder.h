@@ -4,13 +4,15 @@
 
 #include "base/result.h"
 #include "decode/plane_lines.h"
+#include "decode/sensor_plane.h"
 #include "props/image_geometry.h"
 #include "props/image_props.h"
 
 namespace deimg {
 
-/// Decodes the sensor data into the plane stream: sensorHeight lines of sensorWidth unsigned 16-bit
-/// little-endian samples in raster order. Opens and closes both streams.
+/// Decodes the sensor data into the plane. Opens and closes both streams. A plane in memory has its
+/// black levels subtracted too, line by line, and `listener` is told; one in a file is left as
+/// decoded, and `listener` hears nothing.
 ///
 /// A sample is a 10-bit value, predicted from the previous sample of the same column parity on its
 /// line (512 at a line's start) plus a coded difference, with two low bits appended that the file
@@ -21,7 +23,8 @@ namespace deimg {
 ///         cannot be opened, 98 when a stream lacks an operation, or an error word of a stream.
 [[nodiscard]] Result SensorPlaneDecoder(const PlaneLines& lines, CallerStream& input,
                                         const ImageGeometry& geometry, const ImageProps& props,
-                                        CallerStream& plane);
+                                        const SensorPlane& plane,
+                                        const LinesListener& listener = {});
 
 }  // namespace deimg
 

@@ -70,7 +70,8 @@ Result ComponentX::Start(int line) {
   DEIMG_RETURN_IF_FAILED(AllocateBuffers());
   for (ComponentX* source : inputs()) DEIMG_RETURN_IF_FAILED(source->Start(line));
   DEIMG_RETURN_IF_FAILED(ResetRings());
-  DEIMG_RETURN_IF_FAILED(Prepare());
+  if (!prepared_) DEIMG_RETURN_IF_FAILED(Prepare());
+  prepared_ = true;
   currentLine_ = line;
   return Run(runFirst(), runLast());
 }

@@ -33,7 +33,7 @@ struct PlaneSize {
 /// A component reads up to ten others and delivers its lines on up to eight ports.
 ///
 /// The graph is pulled from its last component. Start() brings a component and everything it reads
-/// to a first line, Advance() on by one line; each line of each component is computed once.
+/// to a line, Advance() on by one line; each line of each component is computed once after a start.
 ///
 /// A component's border is how many lines beyond its own its window reaches on both sides together;
 /// its margin how many lines beyond the current one its consumers need: the largest sum of borders
@@ -77,6 +77,10 @@ class ComponentX {
   /// after all inputs computed theirs.
   [[nodiscard]] virtual Result Prepare() { return DEIMG_OK; }
 
+  /// Whether a line depends on the one computed before it, and not on input lines alone: then lines
+  /// have to be computed in order, from the first one on.
+  [[nodiscard]] virtual bool NeedsLineBefore() const { return false; }
+
   /// Appends an input; 7 when all slots are taken.
   [[nodiscard]] Result Connect(ComponentX& input);
 
@@ -84,7 +88,8 @@ class ComponentX {
   /// own.
   void ComputeContext(int need);
 
-  /// Brings inputs and then this component to `line`.
+  /// Brings inputs and then this component to `line`, from wherever they were; nothing is prepared
+  /// or allocated a second time.
   [[nodiscard]] Result Start(int line);
 
   /// Allocates the rings if needed and centres every port.
@@ -103,6 +108,9 @@ class ComponentX {
   int runLast() const { return margin_ / 2; }
   int currentLine() const { return currentLine_; }
 
+  /// Whether the samples of every port, and what is computed between, hold their ranges.
+  bool rangesFit() const { return rangesFit_; }
+
   /// The port in a slot, or null.
   const ComponentPort* port(int index) const;
   /// The inputs in the order of their connection.
@@ -115,7 +123,13 @@ class ComponentX {
   /// elsewhere.
   [[nodiscard]] virtual const void* LineAt(int offset, int portIndex) const;
 
+  /// Says what a port holds, see ComponentPort.
+  void Declare(int port, int sampleBytes, Range range) {
+    ports_[static_cast<std::size_t>(port)]->Declare(sampleBytes, range);
+  }
+
   int currentLine_ = kNotStarted;
+  bool rangesFit_ = true;
 
  private:
   const ComponentInfo& info_;
@@ -123,6 +137,7 @@ class ComponentX {
   const int sampleBytes_;
   bool buffersReady_ = false;
   bool contextReady_ = false;
+  bool prepared_ = false;
   int margin_ = 0;
   int inputCount_ = 0;
   std::array<ComponentX*, kMostInputs> inputs_{};

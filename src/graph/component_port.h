@@ -2,8 +2,12 @@
 #ifndef DEIMG_GRAPH_COMPONENT_PORT_H
 #define DEIMG_GRAPH_COMPONENT_PORT_H
 
+#include <cstddef>
+#include <cstdint>
+
 #include "base/result.h"
 #include "line/line.h"
+#include "line/range.h"
 #include "storage/mem_block.h"
 
 namespace deimg {
@@ -20,36 +24,46 @@ class ComponentPort {
   int width() const { return width_; }
   int sampleBytes() const { return sampleBytes_; }
   int lines() const { return lines_; }
+  /// What its samples can be; anything where nothing was declared.
+  Range range() const { return range_; }
+
+  /// Says what the port holds, before it has a ring.
+  void Declare(int sampleBytes, Range range);
 
   /// Gives the port a zeroed ring; an existing one is kept. 96 for fewer than one line, 3 when
   /// memory is short.
   [[nodiscard]] Result Allocate(int lines);
 
-  /// The line at this offset, or null without a ring or outside it. Every line has room for samples
-  /// as wide as Sample; a component may fill it with narrower ones.
+  /// The line at this offset, or null without a ring or outside it.
   template <typename T = Sample>
   T* Line(int offset) const {
-    static_assert(sizeof(T) <= sizeof(Sample));
     return reinterpret_cast<T*>(LineStart(offset));
   }
 
   /// Moves the centre on by one line and returns the line that was the oldest and is now the
   /// newest; null without a ring.
-  Sample* Rotate();
+  std::uint8_t* Rotate();
 
   /// Puts the centre back into the middle of the ring.
   void Reset() { head_ = lines_ / 2; }
 
  private:
-  Sample* LineStart(int offset) const;
+  std::uint8_t* LineStart(int offset) const {
+    if (!buffer_ || offset < -(lines_ / 2) || offset > lines_ / 2) return nullptr;
+    int i = head_ + offset;
+    if (i < 0) i += lines_;
+    if (i >= lines_) i -= lines_;
+    return buffer_.get() + static_cast<std::ptrdiff_t>(i) * stride_;
+  }
 
   char name_[16];
   int sampleBytes_;
   int width_;
-  int stride_;  // samples from line to line: the width, rounded up to keep lines aligned
+  int stride_ = 0;  // bytes from line to line
+  Range range_{};
   int head_ = 0;
   int lines_ = 0;
-  BlockOf<Sample> buffer_;
+  BlockOf<std::uint8_t> buffer_;
 };
 
 }  // namespace deimg

@@ -35,6 +35,9 @@ Result Stage::Run(int first, int last) {
   for (int offset = first; offset <= last; ++offset) {
     computedOffset_ = offset;
     ComputeLine(offset);
+#ifdef DEIMG_CHECK_CONTRACTS
+    CheckRanges(offset);
+#endif
   }
   return DEIMG_OK;
 }
@@ -49,6 +52,20 @@ void Stage::CheckRead(const ComponentX& source, int port, int offset) const {
 void Stage::CheckWrite(int port, int offset) const {
   if (offset != computedOffset_ || GetLine(offset, port) == nullptr) {
     Break(*this, *this, "writes", port, offset);
+  }
+}
+
+void Stage::CheckRanges(int offset) const {
+  const auto check = [&](int p, const auto* line) {
+    for (int x = 0; x < width(); ++x) {
+      if (port(p)->range().Contains(line[x])) continue;
+      std::fprintf(stderr, "sample %d in column %d of %d: ", static_cast<int>(line[x]), x, width());
+      Break(*this, *this, "leaves its range in", p, offset);
+    }
+  };
+  for (int p = 0; p < portCount(); ++p) {
+    if (port(p)->sampleBytes() == sizeof(Sample)) check(p, GetLine<Sample>(offset, p));
+    if (port(p)->sampleBytes() == sizeof(NarrowSample)) check(p, GetLine<NarrowSample>(offset, p));
   }
 }
 

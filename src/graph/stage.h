@@ -28,6 +28,17 @@ class Stage : public ComponentX {
   T* Scratch(int index) const {
     return scratch_->Line<T>(index - scratchLines_ / 2);
   }
+  /// Says that samples of type T have to hold a value between: a graph of narrow samples in which
+  /// they do not is not used.
+  template <typename T>
+  void Needs(Range range) {
+    rangesFit_ = rangesFit_ && range.FitsIn<T>();
+  }
+  /// The same for a condition that narrow samples of type T need.
+  template <typename T>
+  void NeedsNarrow(bool condition) {
+    rangesFit_ = rangesFit_ && (condition || sizeof(T) == sizeof(Sample));
+  }
   /// Whether the line at an offset is odd.
   bool IsOddAt(int offset) const { return IsOddLine(currentLine_ + offset); }
 
@@ -40,6 +51,8 @@ class Stage : public ComponentX {
   /// Ends the program, saying which stage read which port where, when that is not in its window.
   void CheckRead(const ComponentX& source, int port, int offset) const;
   void CheckWrite(int port, int offset) const;
+  /// Ends the program when a sample of the line just computed lies outside its port's range.
+  void CheckRanges(int offset) const;
 
   const int scratchLines_;
   int computedOffset_ = 0;  // the line that is being computed
@@ -66,6 +79,8 @@ class Input {
 #endif
     return source_.GetLine<T>(offset, port_);
   }
+  /// What its samples can be.
+  Range range() const { return source_.port(port_)->range(); }
   SevenLines<T> Around(int offset) const {
     SevenLines<T> lines;
     for (int i = 0; i < 7; ++i) lines.line[i] = (*this)[offset + i - 3];
@@ -78,11 +93,17 @@ class Input {
   const int port_;
 };
 
-/// A port of the stage's own: output[offset] is the line to be written.
+/// A port of the stage's own: output[offset] is the line to be written. `range` is what its samples
+/// can be, derived from the inputs' ranges.
 template <typename T>
 class Output {
  public:
-  Output(const Stage& stage, int port) : stage_(stage), port_(port) {}
+  Output(Stage& stage, int port, Range range = kAnything) : stage_(stage), port_(port) {
+    stage.Declare(port, sizeof(T), range);
+    if (range != kAnything) stage.Needs<T>(range);
+  }
+
+  Range range() const { return stage_.port(port_)->range(); }
 
   T* operator[](int offset) const {
 #ifdef DEIMG_CHECK_CONTRACTS

@@ -38,9 +38,10 @@ constexpr bool IsOddLine(int line) { return (line & 1) != 0; }
 
 // Fixed-point scales: the value that stands for a factor of 1.
 inline constexpr Sample kGainOne = DEIMG_WB_GAIN_ONE;  // white-balance gains, colour conversions
-inline constexpr Sample kMatrixOne = 2048;             // colour matrix
-inline constexpr Sample kWeightOne = 256;              // luminance weights
-inline constexpr Sample kChromaGainOne = 128;          // gains of colour differences and of detail
+inline constexpr int kMatrixBits = 11;
+inline constexpr Sample kMatrixOne = 1 << kMatrixBits;  // colour matrix
+inline constexpr Sample kWeightOne = 256;               // luminance weights
+inline constexpr Sample kChromaGainOne = 128;           // gains of colour differences and of detail
 
 // Ranges.
 inline constexpr Sample kHighestRaw = 4095;  // 12 bits: raw samples and the mosaic

@@ -6,19 +6,14 @@
 #ifndef DEIMG_LINE_LOOK_UP_H
 #define DEIMG_LINE_LOOK_UP_H
 
-#include <cstdint>
-
 #include "line/line.h"
 
 namespace deimg {
 
-/// In place: replaces `width` samples by the entries of a table; `zero` is the entry of the sample
-/// 0. 16-bit entries keep large tables in the first-level cache.
-void LookUpLine(const std::int16_t* zero, int width, Sample* line);
-void LookUpLine(const Sample* zero, int width, Sample* line);
-
-/// The same from narrow samples to another line.
-void LookUpLine(const Sample* zero, const NarrowSample* in, int width, Sample* out);
+/// Replaces `width` samples by the entries of a table; `zero` is the entry of the sample 0. `in`
+/// and `out` may be the same line. Narrow entries keep large tables in the first-level cache.
+void LookUpLine(const NarrowSample* zero, const NarrowSample* in, int width, NarrowSample* out);
+void LookUpLine(const Sample* zero, const Sample* in, int width, Sample* out);
 
 }  // namespace deimg
 

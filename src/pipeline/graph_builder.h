@@ -17,11 +17,13 @@ namespace deimg {
 /// @param geometry     of that plane: its size, and the image area that is delivered.
 /// @param params       defaults applied; the white-balance gains used are written back.
 /// @param sampleBytes  of the output: 1 or 2.
+/// @param bands        what other threads develop of the same picture meanwhile; null without them.
 /// @return DEIMG_BAD_TUNING, DEIMG_UNSUPPORTED, DEIMG_OUT_OF_MEMORY, DEIMG_MISSING, or a code of a
 ///         stream.
 [[nodiscard]] Result GraphBuilder(const Level& level, CallerStream& plane,
                                   const ImageGeometry& geometry, DevelopParams& params,
-                                  const ImageProps& props, int sampleBytes, CallerStream& output);
+                                  const ImageProps& props, int sampleBytes, CallerStream& output,
+                                  Bands* bands = nullptr);
 
 }  // namespace deimg
 

@@ -1,12 +1,11 @@
 #include "pipeline/levels.h"
 
-#include <algorithm>
-
 // The levels, the lowest first: name, namespace of the code, what the processor must have for it.
 #define DEIMG_HAS(feature) (__builtin_cpu_supports(feature) != 0)
 #ifdef DEIMG_X86_LEVELS
 #define DEIMG_LEVELS(LEVEL)                                                                   \
   LEVEL("sse2", baseline, true)                                                               \
+  LEVEL("sse4.1", sse41, DEIMG_HAS("sse4.1"))                                                 \
   LEVEL("avx2", avx2, DEIMG_HAS("avx2") && DEIMG_HAS("bmi") && DEIMG_HAS("bmi2"))             \
   LEVEL("avx512", avx512,                                                                     \
         DEIMG_HAS("avx2") && DEIMG_HAS("bmi") && DEIMG_HAS("bmi2") && DEIMG_HAS("avx512f") && \
@@ -28,19 +27,14 @@ namespace {
 #define DEIMG_ROW(name, space, needs) {name, space::kLevelCode, [] { return needs; }},
 constexpr Level kLevels[] = {DEIMG_LEVELS(DEIMG_ROW)};
 
-/// Whether the white balance leaves no sample outside 0 to 4095: no gain is negative, and none
-/// makes a product with a raw sample wrap.
-bool MosaicIsNarrow(const DevelopSettings& settings) {
-  return std::all_of(settings.wbGains.begin(), settings.wbGains.end(),
-                     [](std::int32_t gain) { return gain >= 0 && gain <= INT16_MAX; });
-}
-
 }  // namespace
 
 GraphOwner Level::MakeGraph(CallerStream& plane, const StageContext& context,
                             int outputSampleBytes) const {
-  const auto make = MosaicIsNarrow(context.settings) ? code.makeNarrowGraph : code.makeWideGraph;
-  return make(plane, context, outputSampleBytes);
+  GraphOwner narrow = code.makeNarrowGraph(plane, context, outputSampleBytes);
+  if (narrow == nullptr || narrow->RangesFit()) return narrow;
+  narrow.reset();
+  return code.makeWideGraph(plane, context, outputSampleBytes);
 }
 
 std::span<const Level> Levels() { return kLevels; }

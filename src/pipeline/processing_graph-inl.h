@@ -7,8 +7,8 @@
 
 namespace deimg::DEIMG_LEVEL {
 
-/// T is the type of the mosaic's samples, see line.h. Components are made after those they read and
-/// destroyed in the reverse order.
+/// T is the type of samples that may be narrow, see line.h. Components are made after those they
+/// read and destroyed in the reverse order.
 template <typename T>
 class Graph final : public ProcessingGraph {
  public:
@@ -38,6 +38,7 @@ class Graph final : public ProcessingGraph {
 
  private:
   ComponentX& last() override { return lastStage_; }
+  void ReadBefore(int line) override { source_.ReadBefore(line); }
   Result Deliver(CallerStream& output) override { return lastStage_.Deliver(output); }
 
   const StageContext context_;
@@ -49,18 +50,18 @@ class Graph final : public ProcessingGraph {
   MedianCrCb<T> medianCrCb_;
   Matrix4x3<T> matrix_;
   VerLpfForAFilter<T> verLpf_;
-  HorLpfForAFilter horLpf_;
+  HorLpfForAFilter<T> horLpf_;
   ChromaSuppress<T> chromaSuppress_;
-  ColorSystemProc colorSystem_;
+  ColorSystemProc<T> colorSystem_;
   AFilterHokanLpf<T> hokanLpf_;
   AFilterMain<T> aFilter_;
   RamenToYmix<T> ramen_;
-  HApcProcs hApc_;
+  HApcProcs<T> hApc_;
   RApcProcs<T> rApc_;
   VApcProcs<T> vApc_;
-  AApcProcs aApc_;
-  YMainProcs yMain_;
-  LastStageRgb lastStage_;
+  AApcProcs<T> aApc_;
+  YMainProcs<T> yMain_;
+  LastStageRgb<T> lastStage_;
 };
 
 }  // namespace deimg::DEIMG_LEVEL

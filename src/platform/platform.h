@@ -58,6 +58,12 @@ void CloseFile(FileHandle file) noexcept;
 /// Whether anything of exactly this name exists.
 [[nodiscard]] bool FileExists(const char* path) noexcept;
 
+// --- Environment ----------------------------------------------------------------------------
+
+/// A variable of the process's environment as it is now; false when it is not set or does not fit
+/// the buffer.
+[[nodiscard]] bool EnvironmentValue(const char* name, char* buffer, std::size_t size) noexcept;
+
 // --- Diagnostics ----------------------------------------------------------------------------
 
 /// The system's text for the calling thread's last error, cut to the buffer; empty when none.

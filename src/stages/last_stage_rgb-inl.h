@@ -15,19 +15,22 @@
 
 namespace deimg::DEIMG_LEVEL {
 
+template <typename T>
 class LastStageRgb final : public Stage {
  public:
   enum Port { kRgb };
 
   /// `sampleBytes` is 1 or 2: 8-bit or 16-bit output.
-  LastStageRgb(const StageContext& context, int sampleBytes, ColorSystemProc& chroma,
-               YMainProcs& luminance)
+  LastStageRgb(const StageContext& context, int sampleBytes, ColorSystemProc<T>& chroma,
+               YMainProcs<T>& luminance)
       : Stage(InfoOf(TypeId::kLastStageRgb), {3 * context.size().width, context.size().height},
               {&chroma, &luminance}, 1, sampleBytes),
         geometry_(context.geometry),
-        cr_(*this, chroma, ColorSystemProc::kCr),
-        cb_(*this, chroma, ColorSystemProc::kCb),
-        luminance_(*this, luminance, YMainProcs::kLuminance) {}
+        cr_(*this, chroma, ColorSystemProc<T>::kCr),
+        cb_(*this, chroma, ColorSystemProc<T>::kCb),
+        luminance_(*this, luminance, YMainProcs<T>::kLuminance) {
+    Declare(kRgb, sampleBytes, kAnything);
+  }
 
   /// Hands the part of the current line that lies inside the image area to the output's Write.
   [[nodiscard]] Result Deliver(CallerStream& output) {
@@ -47,38 +50,41 @@ class LastStageRgb final : public Stage {
     }
   }
 
-  static std::uint8_t To8Bits(Sample v) {
-    return static_cast<std::uint8_t>(ClampedQuotient(v, 15, 0, 255));
-  }
-  static std::uint16_t To16Bits(Sample v) {
-    return static_cast<std::uint16_t>(Clamp(v / 128 + 7, 0, 65535));
-  }
-
   /// One line of `width` pixels. `planes` has room for as many: narrow planes first and
   /// interleaving them afterwards takes two thirds of the time of interleaving 32-bit samples.
-  template <typename T, T (*toOutput)(Sample)>
-  static void RgbLine(Line y, Line cr, Line cb, int width, void* planes, void* rgb) {
-    T* const r = static_cast<T*>(planes);
-    T* const out = static_cast<T*>(rgb);
-    SplitLine<T, toOutput>(y, cr, cb, width, r, r + width, r + 2 * width);
-    InterleaveLine<T>(r, r + width, r + 2 * width, width, out);
-    if constexpr (sizeof(T) == 2) ToLittleEndian(out, 3 * static_cast<std::size_t>(width));
+  template <typename Value>
+  static void RgbLine(const T* y, const T* cr, const T* cb, int width, void* planes, void* rgb) {
+    Value* const r = static_cast<Value*>(planes);
+    Value* const out = static_cast<Value*>(rgb);
+    SplitLine(y, cr, cb, width, r, r + width, r + 2 * width);
+    InterleaveLine<Value>(r, r + width, r + 2 * width, width, out);
+    if constexpr (sizeof(Value) == 2) ToLittleEndian(out, 3 * static_cast<std::size_t>(width));
   }
 
-  template <typename T, T (*toOutput)(Sample)>
-  static void SplitLine(Line y, Line cr, Line cb, int width, MutableLineOf<T> r, MutableLineOf<T> g,
-                        MutableLineOf<T> b) {
-    for (Index x = 0; x < width; ++x) {
-      const Sample a = y[x] * kGainOne;
-      r[x] = toOutput(a + 1436 * cr[x]);
-      g[x] = toOutput(a - 352 * cb[x] - 731 * cr[x]);
-      b[x] = toOutput(a + 1814 * cb[x] - cr[x]);
-    }
+  template <typename Value>
+  static void SplitLine(LineOf<T> y, LineOf<T> cr, LineOf<T> cb, int width, MutableLineOf<Value> r,
+                        MutableLineOf<Value> g, MutableLineOf<Value> b) {
+    ForColumns<T>(0, width, [=]<int n>(LaneCount<n>, Index x) {
+      const auto a = Widened(Load<n>(y + x)) << 10;  // kGainOne = 1.0
+      const auto red = Load<n>(cr + x), blue = Load<n>(cb + x);
+      StoreValues(r + x, a + DotPairs(red, 1436, blue, 0));
+      StoreValues(g + x, a + DotPairs(red, -731, blue, -352));
+      StoreValues(b + x, a + DotPairs(red, -1, blue, 1814));
+    });
+  }
+  template <int n>
+  DEIMG_INLINE static void StoreValues(std::uint8_t* out, Sums<T, n> v) {
+    StoreBytes(out, Narrowed(v >> 15));
+  }
+  /// v / 128 + 7, clipped to 0 to 65535.
+  template <int n>
+  DEIMG_INLINE static void StoreValues(std::uint16_t* out, Sums<T, n> v) {
+    StoreUnsigned(out, Quotient<7>(v) + v.All(7));
   }
 
-  template <typename T>
-  static void InterleaveLine(LineOf<T> r, LineOf<T> g, LineOf<T> b, int width,
-                             MutableLineOf<T> rgb) {
+  template <typename Value>
+  static void InterleaveLine(LineOf<Value> r, LineOf<Value> g, LineOf<Value> b, int width,
+                             MutableLineOf<Value> rgb) {
     for (Index x = 0; x < width; ++x) {
       rgb[3 * x] = r[x];
       rgb[3 * x + 1] = g[x];
@@ -89,15 +95,14 @@ class LastStageRgb final : public Stage {
   /// The formats of the output's samples.
   struct Samples {
     int bytes;
-    void (*line)(Line y, Line cr, Line cb, int width, void* planes, void* rgb);
+    void (*line)(const T* y, const T* cr, const T* cb, int width, void* planes, void* rgb);
   };
-  static constexpr Samples kSamples[] = {{1, RgbLine<std::uint8_t, To8Bits>},
-                                         {2, RgbLine<std::uint16_t, To16Bits>}};
+  static constexpr Samples kSamples[] = {{1, RgbLine<std::uint8_t>}, {2, RgbLine<std::uint16_t>}};
 
   const ImageGeometry& geometry_;
-  const Input<Sample> cr_;
-  const Input<Sample> cb_;
-  const Input<Sample> luminance_;
+  const Input<T> cr_;
+  const Input<T> cb_;
+  const Input<T> luminance_;
   const Output<std::uint8_t> rgb_{*this, kRgb};
 };
 

@@ -15,7 +15,8 @@
 namespace deimg::DEIMG_LEVEL {
 
 /// Serves the plane's lines, unsigned 16-bit samples, from a cache of 200 lines that it fills with
-/// large sequential reads. Lines above and below the plane are its first and last line again. The
+/// large sequential reads. Lines above and below the plane are its first and last line again; of a
+/// plane that is still being filled, no line is read that is not there yet, see ReadBefore(). The
 /// port never receives a ring: a consumer gets the cache's lines, at the offsets runFirst() to
 /// runLast().
 class SourceStreamReader final : public ComponentX {
@@ -29,6 +30,9 @@ class SourceStreamReader final : public ComponentX {
   ~SourceStreamReader() override {
     if (streamOpen_) (void)Close(plane_);
   }
+
+  /// Reads no line of the plane from `line` on: it reaches beyond what will be asked for next.
+  void ReadBefore(int line) { end_ = std::min(line, height()); }
 
   /// Reading the plane may fail: with an error word of the stream, or 39 when it ends too early.
   [[nodiscard]] Result Run(int /*first*/, int /*last*/) override {
@@ -60,7 +64,7 @@ class SourceStreamReader final : public ComponentX {
       DEIMG_RETURN_IF_FAILED(Open(plane_, DEIMG_OPEN_READ));
       streamOpen_ = true;
     }
-    const int lastLine = std::min(firstLine + kCacheLines, height()) - 1;
+    const int lastLine = std::min(firstLine + kCacheLines, end_) - 1;
     const auto lineBytes = 2u * static_cast<std::uint32_t>(width());
     const std::uint32_t bytes = static_cast<std::uint32_t>(lastLine - firstLine + 1) * lineBytes;
     DEIMG_RETURN_IF_FAILED(SeekTo(plane_, lineBytes * static_cast<std::uint32_t>(firstLine)));
@@ -74,6 +78,7 @@ class SourceStreamReader final : public ComponentX {
   }
 
   CallerStream& plane_;
+  int end_ = height();
   bool streamOpen_ = false;
   int cacheFirst_ = 0;  // the plane's lines in the cache
   int cacheLast_ = -1;

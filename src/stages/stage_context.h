@@ -35,6 +35,7 @@ struct DevelopSettings {
   /// Whether the stages of detail have nothing to do.
   bool withoutDetail() const { return plainProcessing() || quick(); }
   bool medianOff() const { return chromaMedian == -1; }
+  bool operator==(const DevelopSettings&) const = default;
 };
 
 /// What the stages take from the tuning tables.

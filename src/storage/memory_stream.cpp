@@ -52,6 +52,12 @@ MemoryStream MemoryStream::MakeUninitialised(std::uint64_t bytes) {
   return Over(BlockOf<std::uint8_t>::Uninitialised(bytes), bytes);
 }
 
+MemoryStream MemoryStream::Beside(const MemoryStream& other) {
+  MemoryStream made;
+  (void)made.WorkStream::Make({other.state_->data, other.state_->size, 0});
+  return made;
+}
+
 MemoryStream MemoryStream::Over(BlockOf<std::uint8_t> data, std::uint64_t bytes) {
   MemoryStream made;
   if (!data) return made;

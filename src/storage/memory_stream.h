@@ -31,8 +31,15 @@ class MemoryStream : public WorkStream<MemoryStreamState> {
   /// memory for a plane would take a fortieth of a job.
   [[nodiscard]] static MemoryStream MakeUninitialised(std::uint64_t bytes);
 
-  /// The stream's memory.
+  /// A stream on another one's memory, which has to outlive it, with a position of its own: on
+  /// another thread, say. It is for reading what nobody writes any more; empty when memory is
+  /// short.
+  [[nodiscard]] static MemoryStream Beside(const MemoryStream& other);
+
+  /// The stream's memory, if it is its own.
   std::uint8_t* memory() const { return data_.get(); }
+  /// The same as 16-bit samples.
+  std::uint16_t* samples() const { return reinterpret_cast<std::uint16_t*>(memory()); }
 
  private:
   static MemoryStream Over(BlockOf<std::uint8_t> data, std::uint64_t bytes);

@@ -66,6 +66,18 @@ namespace deimg {
   return error;
 }
 
+/// Closes a stream at the end of the scope; what the close reports is of no interest here.
+class ClosedOnExit {
+ public:
+  explicit ClosedOnExit(CallerStream& stream) : stream_(stream) {}
+  ClosedOnExit(const ClosedOnExit&) = delete;
+  ClosedOnExit& operator=(const ClosedOnExit&) = delete;
+  ~ClosedOnExit() { (void)Close(stream_); }
+
+ private:
+  CallerStream& stream_;
+};
+
 }  // namespace deimg
 
 #endif  // DEIMG_STORAGE_STREAM_CALLS_H

@@ -1,4 +1,5 @@
-"""Drives the deimg program as its users do. Usage: cli_test.py [GROUP...]"""
+"""Drives the programs as their users do. Usage: cli_test.py [GROUP...]"""
+import hashlib
 import json
 import os
 import pathlib
@@ -89,6 +90,10 @@ class Pictures(Case):
         for mark in (b"JFIF\0\1\1\1" + (300).to_bytes(2, "big") * 2, b"ICC_PROFILE\0\1\1", b"deimg "):
             self.assertIn(mark, jpeg[:1000])
 
+    def test_threads_change_nothing(self):
+        pictures = {self.develop(LANDSCAPE, *threads) for threads in ([], ["--threads", "1"], ["--threads", "3"])}
+        self.assertEqual(len(pictures), 1)
+
     def test_previews_and_thumbnails(self):
         info = json.loads(self.run_deimg("info", "--json", LANDSCAPE).stdout)[0]
         self.run_deimg("preview", LANDSCAPE, "-o", "p.ppm")
@@ -113,8 +118,8 @@ class Pictures(Case):
             subprocess.run([MKRAW, "--scene", "texture", "--size", f"1024x{lines}", "-o", self.dir / "t.raw"], check=True)
             for name in ("t.png", "t.tif", "t.jpg"):
                 depth = [] if name == "t.jpg" else ["--depth", "16"]
-                child = subprocess.Popen([PROGRAM, "develop", "t.raw", "--force", "-o", name, *depth], cwd=self.dir,
-                                         stderr=subprocess.DEVNULL)
+                child = subprocess.Popen([PROGRAM, "develop", "t.raw", "--force", "--threads", "1", "-o", name, *depth],
+                                         cwd=self.dir, stderr=subprocess.DEVNULL)
                 _, status, usage = os.wait4(child.pid, 0)
                 child.returncode = status
                 self.assertEqual(status, 0)
@@ -158,7 +163,8 @@ class Settings(Case):
             ("develop x --quality 0", "--quality"), ("develop x -o x.gif", "--format"), ("develop x --format gif", "png"),
             ("develop x y -o z.png", "directory"), ("develop x --force --skip-existing", "--skip-existing"),
             ("develop a/x.raw b/x.raw -o d/", "more than one picture"), ("develop - - -o d/", "picture would be written"),
-            ("develop x -j 0", "--jobs"), ("develop x --progress loud", "none, bar or json"), ("preview x --depth 16", "--depth"),
+            ("develop x -j 0", "--jobs"), ("check x --threads 65", "1 to 64, or all"),
+            ("develop x --progress loud", "none, bar or json"), ("preview x --depth 16", "--depth"),
             ("develop x --frob", "--frob"), ("help frob", "no help on 'frob'")):
             self.assertIn(words, self.say(*arguments.split(), status=1), arguments)
         self.assertEqual(self.listing(), [])
@@ -271,7 +277,13 @@ class Names(Case):
                      b"preview-preview.png", b"x.tar-preview.png"):
             self.assertIn(name, made)
         self.assertEqual(len(made), 2 * len(names))
-        self.assertIn("\\xFF\\xFE\\x0A.png", self.say("info", b"\xff\xfe\n.png", status=3))
+        for name in (b"\xff\xfe\n.png", b"\xc1\x81", b"\xc3", b"\xe0\x9f\xbf", b"\xe0\xa0\x80", b"\xe5\x86x",
+                     b"\xed\x9f\xbf", b"\xed\xa0\x80", b"\xf0\x8f\xbf\xbf", b"\xf0\x90\x80\x80", b"\xf4\x8f\xbf\xbf",
+                     b"\xf4\x90\x80\x80", b"\xf5\x80\x80\x80", b"~\x7f", b"\xc2\x80", b" \x1f"):
+            shown = name.decode(errors="backslashreplace")
+            shown = re.sub(r"[\0-\x1f\x7f]", lambda c: f"\\x{ord(c[0]):02x}", shown)
+            shown = re.sub(r"\\x(..)", lambda c: "\\x" + c[1].upper(), shown)
+            self.assertTrue(self.say("info", name, status=3).startswith(f"deimg: {shown}: while opening it: "), name)
 
     def test_contents_decide(self):
         os.symlink(COFFEE, self.dir / "picture.jpg")
@@ -299,26 +311,39 @@ class Terminal(Case):
         return child.wait(), seen.decode().replace("\r\n", "\n")
 
     def test_bar(self):
-        # In the middle comes a file that lets the program wait until there is something to estimate from.
+        # The last file lets the program wait until there is something to estimate from.
         raws = [f"{i}.raw" for i in range(6)]
         for raw in raws:
-            os.mkfifo(self.dir / raw) if raw == "3.raw" else os.symlink(COFFEE, self.dir / raw)
-        feeder = subprocess.Popen(["sh", "-c", 'exec > 3.raw; sleep 0.7; cat "$1"', "sh", COFFEE], cwd=self.dir)
-        status, seen = self.on_terminal("develop", *raws, "missing.raw", "-o", "out/", "-j", "1")
+            os.mkfifo(self.dir / raw) if raw == "5.raw" else os.symlink(COFFEE, self.dir / raw)
+        feeder = subprocess.Popen(["sh", "-c", 'exec > 5.raw; sleep 0.7; cat "$1"', "sh", COFFEE], cwd=self.dir)
+        status, seen = self.on_terminal("develop", "missing.raw", *raws, "-o", "out/", "-j", "1")
         self.assertEqual([status, feeder.wait()], [2, 0])
         frames = [re.sub(r"\x1b\[K", "", frame) for frame in seen.split("\r")]
-        bars = [re.fullmatch(r"(\d)/7 files \[(#*)(\.*)\] +(\d+) %(.*)", frame) for frame in frames]
-        bars = [[int(bar[1]), len(bar[2]) / len(bar[2] + bar[3]), int(bar[4]) / 100, bar[5]] for bar in bars if bar]
+        bars = [re.fullmatch(r"(\d)/7 files \[(#*)(\.*)\] +(\d+) %(.*)", frame) for frame in frames if " files [" in frame]
+        bars = [[int(bar[1]), len(bar[2]) / len(bar[2] + bar[3]), int(bar[4]) / 100, bar[5]] for bar in bars]
         self.assertEqual(bars[0][:3], [0, 0, 0])
         for done, cells, share, _ in bars:
             self.assertTrue(done / 7 - 0.01 <= share <= (done + 1) / 7 and share - 0.025 <= cells <= share + 0.01)
-        estimates = [bar[3] for bar in bars if bar[3]]
-        self.assertRegex(estimates[0], r"\A  \d+\.\d files/s  \d+:\d\d left\Z")
         self.assertEqual(bars, sorted(bars, key=lambda bar: bar[2]))
+        _, _, share, estimate = next(bar for bar in bars if bar[3])
+        rate, minutes, seconds = re.fullmatch(r"  (\d+\.\d) files/s  (\d+):(\d\d) left", estimate).groups()
+        self.assertLessEqual(float(rate), 7 * (share + 0.01) / 0.5 + 0.1)  # not before half a second
+        left = 7 * (1 - share) / float(rate)
+        self.assertLessEqual(abs(60 * int(minutes) + int(seconds) - left), 1.1 + 0.15 / float(rate) + 0.1 * left)
         self.assertLess(max(len(frame) for frame in frames[:-1]), 80)
         self.assertRegex(frames[-1], r"\Adeimg: missing.raw: .*\n6 of 7 files developed, 1 failed in \d+:\d\d\n\Z")
-        status, seen = self.on_terminal("develop", "0.raw", columns=30)
-        self.assertRegex(seen, r"0\.raw -> 0\.png \(\d+\.\d s\)\n\Z")
+
+    def test_bar_of_one_file(self):
+        for name, shown in (("a" * 26 + ".raw", "a" * 26 + ".raw"), ("b" * 26 + "\u00e9.raw", "b" * 26 + "\u00e9..."),
+                            ("c" * 60, "c" * 27 + "...")):
+            os.symlink(COFFEE, self.dir / name)
+            status, seen = self.on_terminal("develop", "./" + name, "-o", "out/")
+            self.assertRegex(seen, rf"\A\r{re.escape(shown)} \[\.+\]   0 %")
+            self.assertRegex(seen, r" -> out/\w+\.png \(\d+\.\d s\)\n\Z")
+        # Without room for a bar it is left out, and never is a line longer than the terminal.
+        for columns, shown in ((46, r"\[\.{5}\]   0 %"), (45, "   0 %"), (20, "")):
+            seen = self.on_terminal("develop", name, "--force", "-o", "out/", columns=columns)[1]
+            self.assertRegex(seen, rf"\A\r{'c' * min(27, columns - 1)}(\.\.\.)? ?{shown}\x1b")
 
     def test_quiet_and_refusals(self):
         self.assertEqual(self.on_terminal("develop", COFFEE, "--progress", "none", "-o", "a.png"), (0, ""))
@@ -380,6 +405,10 @@ class Reports(Case):
         self.assertEqual([coffee["byteOrder"], coffee["codeSet"], missing["error"]["message"]],
                          ["II", 0, "No such file or directory"])
 
+        with open("/dev/full", "wb") as full:
+            result = subprocess.run([PROGRAM, "info", COFFEE], stdout=full, stderr=subprocess.PIPE, timeout=300)
+        self.assertEqual([result.returncode, result.stderr], [3, b"deimg: standard output: No space left on device\n"])
+
     def test_check_finds_damage(self):
         self.assertEqual(self.say("check", COFFEE, CHART, LANDSCAPE, "-j", "1").count(": sound\n"), 3)
         start = json.loads(self.run_deimg("info", "--json", COFFEE).stdout)[0]["codedDataPosition"]
@@ -415,10 +444,85 @@ class Help(Case):
         header = (SOURCE / "include/deimg/deimg.h").read_text()
         for code in re.findall(r"DEIMG_\w+ = (\w+),.*?\n", header.split("enum DEImgResult {")[1].split("};")[0]):
             self.assertRegex(codes, rf"(?m)^  {code} ")
+        self.assertTrue(all(len(line) <= 80 for line in codes.splitlines()))
+        for text in ("Result codes, as messages", r"  8  .* was\n {18}started\n", "Exit statuses",
+                     "  3  .*all of the files", "Stopped by a signal"):
+            self.assertRegex(codes, text)
         self.assertEqual(self.run_deimg("help", "check").stdout, self.run_deimg("check", "--help").stdout)
         for command in ("develop", "preview", "thumbnail", "info", "check", "help"):
             text = self.run_deimg(command, "--help").stdout.decode()
             self.assertTrue(all(len(line) <= 84 for line in text.splitlines()), command)
+
+
+class RawFiles(Case):
+    """deimg-mkraw. Its files are the same everywhere."""
+    def make(self, *args, status=0, **options):
+        result = subprocess.run([MKRAW, *args, "-o", "made.raw"], cwd=self.dir, capture_output=True, timeout=300, **options)
+        self.assertEqual(result.returncode, status, f"{args}: {result.stderr.decode()}")
+        return result.stderr.decode() if status else (self.dir / "made.raw").read_bytes()
+
+    def test_every_option(self):
+        for options, wanted in (
+            ("--scene chart --size 100x75", "ac8375b979450b3c"),
+            ("--scene gradient --size 33x21 --order MM --code-set 2 --sub-heaps", "c441bb048d2c5989"),
+            ("--scene texture --size 64x40 --code-set 1 --stuffing 17 --skip 7 --black 128", "1fe18ebf19ab90d4"),
+            ("--scene chart --size 70x70 --iso-class 1 --preset 6 --tone-level 1 --processing-set 3", "6eecf3a76270637c"),
+            ("--scene chart --size 70x70 --iso-class 4 --preset 3 --tone-level -1 --matrix-level 1 --colour-level -1",
+             "c8889cb1332425a2"),
+            # The widest and the highest.
+            ("--scene texture --size 65504x1", "937573581aaf9cfd"), ("--scene texture --size 1x65516", "b5bd5a1a2ba8bed6"),
+            ("--random 1", "50760978b67d62f4"), ("--random 18446744073709551615", "b5d76dba0046b9ac"),
+        ):
+            made = hashlib.sha256(self.make(*options.split())).hexdigest()
+            self.assertEqual(made[:16], wanted, options)
+
+    def test_pictures_of_any_kind(self):
+        self.run_deimg("preview", CHART, "-o", "p.ppm")
+        ppm = (self.dir / "p.ppm").read_bytes()
+        wanted = self.make("p.ppm")
+        picture = pnm(self.develop("made.raw"))
+        self.assertEqual(picture[:2], pnm(ppm)[:2])
+        off = sum(abs(a - b) for a, b in zip(picture[3], pnm(ppm)[3])) / len(picture[3])
+        self.assertLess(off, 8)
+        (self.dir / "p.png").write_bytes(self.read_back("pnmtopng", "p.ppm"))
+        (self.dir / "commented.ppm").write_bytes(ppm.replace(b"P6\n", b"P6 # P6 0 0\n# 9\n", 1))
+        self.assertEqual([self.make("p.png"), self.make("commented.ppm")], [wanted, wanted])
+        for name, sample in (("white.ppm", b"\xff"), ("black.ppm", b"\0")):
+            (self.dir / name).write_bytes(b"P6 9 7 255\n" + sample * 189)
+        (self.dir / "clear.png").write_bytes(self.read_back("pnmtopng", "-transparent", "black", "black.ppm"))
+        self.assertEqual(self.make("clear.png"), self.make("white.ppm"))
+
+    def test_wrong_use_is_explained(self):
+        good = b"P6 2 2 255\n" + bytes(12)
+        for name, data in {
+            "good": good, "short": good[:-1], "depth": good.replace(b"255", b"256"), "text": b"P5 2 2 255\n", "byte": b"P",
+            "empty": b"P6 0 2 255\n", "flat": b"P6 2 0 255\n", "wide": b"P6 65536 1 255\n", "tall": b"P6 1 65536 255\n",
+            "broken.png": b"\x89PNG"}.items():
+            (self.dir / name).write_bytes(data)
+        before = self.listing()
+        for arguments, status, words in (
+            ("", 2, "give one of PICTURE, --scene and --random"), ("good --random 1", 2, "give one of"),
+            ("good --size 9x9", 2, "go together"), ("--scene chart", 2, "go together"),
+            ("--random 1 --order MM", 2, "no option but --output"), ("--random 1x", 2, "'1x' is not"),
+            *((f"--scene chart --size {size}", 2, f"'{size}' is not a size") for size in ("9", "x9", "9x", "0x9", "9x0", "9x9x")),
+            ("--scene forest --size 9x9", 2, "--scene"), ("--scene chart --black 1025", 2, "--black"),
+            ("--scene chart --skip 65536", 2, "--skip"),
+            ("--scene chart --size 65505x1", 1, "larger"), ("--scene chart --size 1x65517", 1, "larger"),
+            ("--scene chart --size 32768x32768", 1, "larger"), ("missing", 1, "missing: cannot be read"), ("byte", 1, "cannot be read"),
+            ("text", 1, "neither a PNG"), ("short", 1, "ends too early"), ("depth", 1, "8 bits"), ("empty", 1, "broken PPM"),
+            ("flat", 1, "broken PPM"), ("wide", 1, "larger"), ("tall", 1, "larger"), ("broken.png", 1, "deimg-mkraw: broken.png: ")):
+            self.assertIn(words, self.make(*arguments.split(), status=status), arguments)
+        self.assertEqual(self.listing(), before)
+
+    def test_files_are_replaced_whole(self):
+        limit = lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (20000, 20000))
+        self.make("--random", "1")
+        before = (self.dir / "made.raw").read_bytes()
+        said = self.make("--random", "2", status=1, preexec_fn=limit, restore_signals=False)
+        self.assertIn("made.raw.part: could not be written", said)
+        self.assertEqual([self.listing(), (self.dir / "made.raw").read_bytes()], [["made.raw"], before])
+        result = subprocess.run([MKRAW, "--random", "1", "-o", "/dev/full"], capture_output=True, timeout=300)
+        self.assertEqual([result.returncode, result.stderr], [1, b"deimg-mkraw: /dev/full: could not be written\n"])
 
 
 if __name__ == "__main__":

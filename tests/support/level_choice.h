@@ -40,7 +40,9 @@ inline std::vector<const Level*> AllLevels() {
   return levels;
 }
 inline std::string LevelName(const ::testing::TestParamInfo<const Level*>& info) {
-  return info.param->name;
+  std::string name = info.param->name;
+  std::erase(name, '.');
+  return name;
 }
 
 }  // namespace deimg::testing

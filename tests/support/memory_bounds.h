@@ -26,7 +26,7 @@ struct MemoryBounds {
     plane = std::size_t{2} * sensor.width * sensor.height;
     properties = file.size() + (64u << 10);
     lowBits = plane / 8 + (96u << 10);
-    reduction = plane / 9 + 1024u * std::size_t{sensor.width};
+    reduction = plane / 9 + 512u * std::size_t{sensor.width};
     graph = 1024u * std::size_t{sensor.width} + (512u << 10);
     picture = plane / 24 + 57600;
   }

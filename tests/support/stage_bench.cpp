@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <bit>
 #include <cstring>
-#include <set>
 
 #include "base/byte_order.h"
 #include "rawfile/random_camera.h"
@@ -41,11 +40,12 @@ struct LineBytes {
   std::size_t all;
 };
 
-LineBytes BytesOf(const ComponentPort& port, int offset, std::size_t sampleBytes) {
-  const auto width = static_cast<std::size_t>(port.width());
-  return {port.Line<std::uint8_t>(offset), width * sampleBytes,
-          (width + 15) / 16 * 16 * sizeof(Sample)};
+LineBytes BytesOf(const ComponentPort& port, int offset) {
+  const auto used = static_cast<std::size_t>(port.width() * port.sampleBytes());
+  return {port.Line<std::uint8_t>(offset), used, (used + 63) / 64 * 64};
 }
+
+bool IsNarrow(const ComponentPort& port) { return port.sampleBytes() == sizeof(NarrowSample); }
 
 }  // namespace
 
@@ -62,7 +62,7 @@ StageBench::StageBench(int width, unsigned seed) : random(seed) {
   ToLittleEndian(raw, static_cast<std::size_t>(width * kHeight));
 }
 
-void StageBench::Randomise(bool hostile) {
+void StageBench::Randomise(bool hostile, bool narrow) {
   const auto any = [&] { return static_cast<std::uint16_t>(random()); };
   const auto small = [&](int low, int high) {
     return static_cast<std::int16_t>(Random(low, high));
@@ -71,7 +71,7 @@ void StageBench::Randomise(bool hostile) {
   if (hostile) {
     auto words = std::bit_cast<TuningBlock::Words>(tuning);
     for (std::uint16_t& word : words) {
-      if (Random(0, 11) == 0) word = any();
+      if (Random(0, narrow ? 299 : 11) == 0) word = any();
     }
     tuning = std::bit_cast<TuningBlock>(words);
   }
@@ -88,7 +88,8 @@ void StageBench::Randomise(bool hostile) {
   settings.exposureAdjust = small(-1, 1) == 0 ? small(-20, 20) : std::int16_t{0};
   for (std::int32_t& gain : settings.wbGains) gain = Random(0, hostile ? 32767 : 4000);
   const auto fill = [&](auto& values, int low, int high) {
-    for (auto& v : values) v = hostile ? static_cast<std::int16_t>(any()) : small(low, high);
+    for (auto& v : values)
+      v = hostile && !narrow ? static_cast<std::int16_t>(any()) : small(low, high);
   };
   tables = {};
   fill(tables.colourMatrix, -1200, 1200);
@@ -96,45 +97,35 @@ void StageBench::Randomise(bool hostile) {
   fill(tables.colourGains, 0, 200);
   fill(tables.luminanceWeights, 0, 250);
   tables.chromaGainCb = small(60, 200);
-  tables.chromaGainCr = hostile ? static_cast<std::int16_t>(any()) : small(60, 200);
+  tables.chromaGainCr = hostile && !narrow ? static_cast<std::int16_t>(any()) : small(60, 200);
 }
 
 void StageBench::StartAnywhere(const Level& level, bool hostile, bool narrow, int line) {
-  narrow_ = narrow;
   const auto make = narrow ? level.code.makeNarrowGraph : level.code.makeWideGraph;
   Result result;
-  do {  // until no stage refuses its settings
-    Randomise(hostile);
+  do {  // until no stage refuses its settings, and narrow samples hold what they have to
+    Randomise(hostile, narrow);
     if (!narrow && hostile) {
       for (std::int32_t& gain : settings.wbGains) gain = static_cast<std::int32_t>(random());
     }
     graph_ = make(*plane.get(), {settings, tables, tuning, geometry}, 1 + Random(0, 1));
     Find(TypeId::kLastStageRgb).ComputeContext(kGuardLines);
     result = Find(TypeId::kLastStageRgb).Start(line);
-  } while (hostile && result != DEIMG_OK);
+  } while ((hostile && result != DEIMG_OK) || (narrow && !graph_->RangesFit()));
   ASSERT_EQ(result, DEIMG_OK);
 }
 
-bool StageBench::IsNarrow(const ComponentX& component) const {
-  static const std::set<TypeId> kMosaic = {TypeId::kWhiteBalance, TypeId::kVHDiff,
-                                           TypeId::kHokanVH,      TypeId::kHokanCircuit,
-                                           TypeId::kMedianCrCb,   TypeId::kAFilterHokanLpf};
-  return narrow_ && kMosaic.contains(component.typeId());
-}
-
-/// Within what the component's ports can hold where they are narrow, anything elsewhere.
-Sample StageBench::RandomSample(const ComponentX& component) {
-  const bool mosaic = component.typeId() == TypeId::kWhiteBalance;
-  const bool planes = component.typeId() == TypeId::kHokanVH;
-  const bool greens = component.typeId() == TypeId::kAFilterHokanLpf;
-  const int high = mosaic ? 4095 : greens ? 8190 : 16380;
-  const int low = mosaic || planes || greens ? 0 : -16380;
+/// Within the range of the port, often at its ends.
+Sample StageBench::RandomSample(const ComponentPort& port) {
+  const auto [low, high] = port.range();
   const unsigned kind = random() % 8;
-  if (kind == 0) return high;
-  if (kind == 1) return low;
-  if (!IsNarrow(component) && kind == 2) return static_cast<Sample>(random() | 1);
-  if (!IsNarrow(component) && kind == 3) return Random(-300000, 300000);
-  return Random(low, high);
+  if (kind == 0) return static_cast<Sample>(high);
+  if (kind == 1) return static_cast<Sample>(low);
+  // Moderate values, too, where the range is wide.
+  constexpr std::int64_t kModerate = 16380;
+  const bool all = kind < 4 || low > kModerate || high < -kModerate;
+  return static_cast<Sample>(std::uniform_int_distribution<std::int64_t>(
+      all ? low : std::max(low, -kModerate), all ? high : std::min(high, kModerate))(random));
 }
 
 /// Calls function(component, port, offset) for every line of the inputs in the window, or for every
@@ -154,8 +145,8 @@ void StageBench::ForEachInputLine(ComponentX& stage, bool inside, Function funct
 void StageBench::FillInputs(ComponentX& stage, bool inside) {
   ForEachInputLine(stage, inside, [&](const ComponentX& input, const ComponentPort& port, int o) {
     for (int x = 0; x < input.width(); ++x) {
-      const Sample value = RandomSample(input);
-      if (IsNarrow(input)) {
+      const Sample value = RandomSample(port);
+      if (IsNarrow(port)) {
         port.Line<NarrowSample>(o)[x] = static_cast<NarrowSample>(value);
       } else {
         port.Line(o)[x] = value;
@@ -177,17 +168,16 @@ Samples StageBench::Line(const ComponentX& component, int port, int offset) cons
     ToLittleEndian(rgb.data(), rgb.size());  // and back, which is the same
     return copy(rgb.data());
   }
-  return IsNarrow(component) ? copy(component.GetLine<NarrowSample>(offset, port))
-                             : copy(component.GetLine(offset, port));
+  return IsNarrow(*component.port(port)) ? copy(component.GetLine<NarrowSample>(offset, port))
+                                         : copy(component.GetLine(offset, port));
 }
 
 void StageBench::Compute(ComponentX& stage) {
   std::vector<std::vector<std::uint8_t>> before;
   std::vector<std::pair<LineBytes, int>> own;
-  const std::size_t ownBytes = IsNarrow(stage) ? sizeof(NarrowSample) : sizeof(Sample);
   for (int port = 0; port < stage.portCount(); ++port) {
     for (int o = stage.runFirst(); o <= stage.runLast(); ++o) {
-      own.emplace_back(BytesOf(*stage.port(port), o, ownBytes), o);
+      own.emplace_back(BytesOf(*stage.port(port), o), o);
       const LineBytes line = own.back().first;
       std::memset(line.samples + line.used, kCanary, line.all - line.used);
       before.emplace_back(line.samples, line.samples + line.all);
@@ -196,17 +186,14 @@ void StageBench::Compute(ComponentX& stage) {
 #ifdef DEIMG_POISON
   computing = stage.name();
   __sanitizer_set_death_callback(SayWhich);
-  const auto bytes = [&](const ComponentX& input, const ComponentPort& port, int o) {
-    return BytesOf(port, o, IsNarrow(input) ? sizeof(NarrowSample) : sizeof(Sample));
-  };
-  ForEachInputLine(stage, false, [&](const ComponentX& input, const ComponentPort& port, int o) {
-    __asan_poison_memory_region(port.Line<std::uint8_t>(o), bytes(input, port, o).all);
+  ForEachInputLine(stage, false, [&](const ComponentX&, const ComponentPort& port, int o) {
+    __asan_poison_memory_region(port.Line<std::uint8_t>(o), BytesOf(port, o).all);
   });
 #endif
   ASSERT_EQ(stage.Run(0, 0), DEIMG_OK);
 #ifdef DEIMG_POISON
-  ForEachInputLine(stage, false, [&](const ComponentX& input, const ComponentPort& port, int o) {
-    __asan_unpoison_memory_region(port.Line<std::uint8_t>(o), bytes(input, port, o).all);
+  ForEachInputLine(stage, false, [&](const ComponentX&, const ComponentPort& port, int o) {
+    __asan_unpoison_memory_region(port.Line<std::uint8_t>(o), BytesOf(port, o).all);
   });
 #endif
   for (std::size_t i = 0; i < own.size(); ++i) {

@@ -39,14 +39,12 @@ class StageBench {
   MemoryStream plane;
 
  private:
-  void Randomise(bool hostile);
-  [[nodiscard]] bool IsNarrow(const ComponentX& component) const;
-  Sample RandomSample(const ComponentX& component);
+  void Randomise(bool hostile, bool narrow);
+  Sample RandomSample(const ComponentPort& port);
   int Random(int low, int high) { return std::uniform_int_distribution<int>(low, high)(random); }
   template <typename Function>
   void ForEachInputLine(ComponentX& stage, bool inside, Function function) const;
 
-  bool narrow_ = false;
   GraphOwner graph_;
 };
 

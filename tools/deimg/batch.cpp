@@ -7,6 +7,8 @@
 #include <optional>
 #include <thread>
 
+#include "api/develop.h"
+#include "api/thread_count.h"
 #include "help_formatter.hpp"
 #include "interrupt.hpp"
 
@@ -114,6 +116,16 @@ void BatchOptions::AddTo(CLI::App& command) {
       ->check(CLI::Range(1U, kMostJobs).description(""));
   command
       .add_option_function<std::string>(
+          "--threads",
+          [this](const std::string& text) {
+            threads = ThreadCountOf(text);
+            if (threads == 0) throw CLI::ValidationError("--threads", "takes 1 to 64, or all");
+          },
+          "Threads to develop each file on; 'all' is one per core (default: all for a single file, "
+          "1 when there are several)")
+      ->type_name("N");
+  command
+      .add_option_function<std::string>(
           "--progress",
           [this](const std::string& name) {
             const auto& styles = ProgressStyles();
@@ -127,6 +139,13 @@ void BatchOptions::AddTo(CLI::App& command) {
           "What to show on standard error: none, bar, or json (one object a line). Default: a bar "
           "on a terminal, one line a file otherwise")
       ->type_name("STYLE");
+}
+
+host::DevelopFunction BatchOptions::FunctionFor(size_t files) const {
+  const int count = threads > 0 ? threads : files == 1 ? ThreadCountOf("all") : 1;
+  return [plan = ThreadPlan{.threads = count}](auto... arguments) {
+    return deimg::Develop(arguments..., plan);
+  };
 }
 
 ExitStatus RunBatch(const std::vector<Job>& jobs, const BatchOptions& options,

@@ -16,10 +16,14 @@ enum ExitStatus { kAllWell = 0, kUsage = 1, kSomeFailed = 2, kAllFailed = 3 };
 /// How to go through the files: the options that every command with files to work on shares.
 struct BatchOptions {
   unsigned jobs = 1;  ///< files at once
+  int threads = 0;  ///< for each file; 0: as many as there are cores if it is a single one, else 1
   DisplayMaker* makeDisplay = MakeUsualDisplay;
 
   BatchOptions();  ///< as many files at once as there are cores
   void AddTo(CLI::App& command);
+
+  /// What develops each of so many files.
+  [[nodiscard]] host::DevelopFunction FunctionFor(size_t files) const;
 };
 
 /// Handles one file; throws Failure, or any exception, when it cannot. Called on several threads.

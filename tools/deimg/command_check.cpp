@@ -15,12 +15,17 @@ struct CheckCommand {
   int Run() const {
     std::vector<Job> jobs;
     for (const std::string& file : files) jobs.push_back({file, ""});
-    return RunBatch(jobs, batch, "sound", Check);
+    const host::DevelopFunction function = batch.FunctionFor(jobs.size());
+    return RunBatch(jobs, batch, "sound",
+                    [&](const Job& job, const host::ProgressCallback& progress) {
+                      return Check(job, function, progress);
+                    });
   }
 
   /// Everything that developing the file would do, and a look at the sensor data that development
   /// does not take: it clips impossible values.
-  static Outcome Check(const Job& job, const host::ProgressCallback& progress) {
+  static Outcome Check(const Job& job, const host::DevelopFunction& function,
+                       const host::ProgressCallback& progress) {
     const std::unique_ptr<host::Input> raw = OpenRaw(job.input);
     const RawInfo info = ReadRawInfo(*raw);
     RequireSupported(info, DEIMG_JOB_FULL);
@@ -31,6 +36,7 @@ struct CheckCommand {
     host::Options options;
     options.progress = progress;
     options.cancel = &CancelFlag();
+    options.function = function;
     host::Develop(*raw, options, [&](std::span<const std::byte> line) { bytes += line.size(); });
     if (bytes != uint64_t{size.width} * size.height * 3) {
       throw Failure("developing", "the picture came out incomplete", DEIMG_BAD_DATA);

@@ -17,13 +17,15 @@ void PictureCommand::AddTo(CLI::App& command, bool full) {
 
 int PictureCommand::Run() const {
   const OutputPlan plan = PlanOutputs(files, output, suffix);
+  const host::DevelopFunction function = batch.FunctionFor(plan.jobs.size());
   return RunBatch(plan.jobs, batch, "developed",
                   [&](const Job& job, const host::ProgressCallback& progress) {
-                    return Develop(job, *plan.format, progress);
+                    return Develop(job, *plan.format, function, progress);
                   });
 }
 
 Outcome PictureCommand::Develop(const Job& job, const PictureFormat& format,
+                                const host::DevelopFunction& function,
                                 const host::ProgressCallback& progress) const {
   if (output.skipExisting && job.output != "-" && Exists(job.output)) return Outcome::kSkipped;
   const std::unique_ptr<host::Input> raw = OpenRaw(job.input);
@@ -45,6 +47,7 @@ Outcome PictureCommand::Develop(const Job& job, const PictureFormat& format,
   options.settings = settings.params;
   options.progress = progress;
   options.cancel = &CancelFlag();
+  options.function = function;
   if (box > 0) {
     const host::Picture picture = host::Develop(*raw, options);
     const std::vector<std::byte> scaled = ScaleDown(picture.samples, developed, written);

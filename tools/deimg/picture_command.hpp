@@ -24,6 +24,7 @@ struct PictureCommand {
 
  private:
   Outcome Develop(const Job& job, const PictureFormat& format,
+                  const host::DevelopFunction& function,
                   const host::ProgressCallback& progress) const;
 };
 

@@ -45,7 +45,7 @@ void RequirePlausibleSamples(host::Input& raw, const RawInfo& info) {
   PlaneCheck check;
   CallerStream plane = check.Stream();
   const Result code = SensorPlaneDecoder(ChosenLevel().planeLines(), *raw.stream(), info.geometry,
-                                         info.props, plane);
+                                         info.props, {plane});
   if (code != DEIMG_OK) throw Failure(kDoing, host::CodeText(code), code);
   if (check.impossible == 0) return;
   throw Failure(kDoing,

@@ -126,6 +126,13 @@ bool TemporaryFileName(const char* directory, const char* prefix, std::uint32_t 
   return n > 0 && static_cast<std::size_t>(n) < size;
 }
 
+bool EnvironmentValue(const char* name, char* buffer, std::size_t size) noexcept {
+  const char* const value = std::getenv(name);
+  if (value == nullptr) return false;
+  const int n = std::snprintf(buffer, size, "%s", value);
+  return n >= 0 && static_cast<std::size_t>(n) < size;
+}
+
 bool FileExists(const char* path) noexcept {
   struct stat status {};
   return lstat(path, &status) == 0;

@@ -82,6 +82,11 @@ bool TemporaryFileName(const char* directory, const char* prefix, std::uint32_t 
   return length > 0 && static_cast<std::size_t>(length) < size;
 }
 
+bool EnvironmentValue(const char* name, char* buffer, std::size_t size) noexcept {
+  const DWORD length = GetEnvironmentVariableA(name, buffer, static_cast<DWORD>(size));
+  return length > 0 && length < size;
+}
+
 bool FileExists(const char* path) noexcept {
   WIN32_FIND_DATAA found;
   const HANDLE search = FindFirstFileA(path, &found);

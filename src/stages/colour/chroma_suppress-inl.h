@@ -12,6 +12,7 @@
 #include "stages/colour/matrix4x3-inl.h"
 #include "stages/colour/suppression_curve.h"
 #include "stages/luma/hor_lpf_for_a_filter-inl.h"
+#include "stages/segment_curve-inl.h"
 
 namespace deimg::DEIMG_LEVEL {
 
@@ -20,85 +21,117 @@ class ChromaSuppress final : public Stage {
  public:
   enum Port { kFirstDifference, kSecondDifference };
 
-  ChromaSuppress(const StageContext& context, Matrix4x3<T>& matrix, HorLpfForAFilter& luminance,
+  ChromaSuppress(const StageContext& context, Matrix4x3<T>& matrix, HorLpfForAFilter<T>& luminance,
                  HokanVH<T>& planes)
       : Stage(InfoOf(TypeId::kChromaSuppress), context.size(), {&matrix, &luminance, &planes}, 3),
-        parameters_(context.tuning.chromaSuppression[context.settings.isoClass]),
         plain_(context.settings.plainProcessing()),
         gainCr_(plain_ ? kChromaGainOne : context.tables.chromaGainCr),
         gainCb_(plain_ ? kChromaGainOne : context.tables.chromaGainCb),
+        curveStatus_(MakeCurve(context.tuning.chromaSuppression[context.settings.isoClass])),
         crIn_(*this, matrix, Matrix4x3<T>::kFirstDifference),
         cbIn_(*this, matrix, Matrix4x3<T>::kSecondDifference),
-        luminance_(*this, luminance, HorLpfForAFilter::kLowPassed),
+        luminance_(*this, luminance, HorLpfForAFilter<T>::kLowPassed),
         red_(*this, planes, HokanVH<T>::kRed),
-        blue_(*this, planes, HokanVH<T>::kBlue) {}
-
-  /// 3 without memory for the curve, 96 for a code that does not exist.
-  [[nodiscard]] Result Prepare() override {
-    suppressTable_ = BlockOf<Sample>::Zeroed(kSuppressionCurveSize);
-    if (!suppressTable_) return DEIMG_OUT_OF_MEMORY;
-    return BuildSuppressionCurve(parameters_, suppressTable_.get());
+        blue_(*this, planes, HokanVH<T>::kBlue),
+        cr_(*this, kFirstDifference, SuppressedRange(crIn_.range(), gainCr_)),
+        cb_(*this, kSecondDifference, SuppressedRange(cbIn_.range(), gainCb_)) {
+    this->template Needs<T>(red_.range() + red_.range());
+    this->template Needs<T>(blue_.range() + blue_.range());
+    for (const Sample gain : {gainCr_, gainCb_}) {
+      this->template Needs<T>(gain * curve_.range());
+      this->template NeedsNarrow<T>((gain * curve_.range()).low >= 0);
+    }
   }
 
+  /// 96 for a code of the curve that does not exist.
+  [[nodiscard]] Result Prepare() override { return curveStatus_; }
+
  private:
+  Result MakeCurve(const ChromaSuppression& parameters) {
+    std::array<Sample, kSuppressionCurveSize> table{};
+    SuppressionSegments segments;
+    const Result result = BuildSuppressionCurve(parameters, table.data(), segments);
+    curve_.Set(table, segments);
+    return result;
+  }
+
+  Range SuppressedRange(Range in, Sample gain) const {
+    return Either(in * (gain * curve_.range()) / kOne, Exactly(0));
+  }
+
   void ComputeLine(int o) override {
-    auto* const level = Scratch<NarrowSample>(0);
-    auto* const largest = Scratch<NarrowSample>(1);
-    Sample* const gain = Scratch(2);
+    T* const level = Scratch<T>(0);
+    T* const largest = Scratch<T>(1);
+    T* const gain = Scratch<T>(2);
     LevelLine(red_[o], blue_[o], luminance_[o], width(), level);
     LargestLevelLine(level, width(), largest);
-    LookUpLine(suppressTable_.get(), largest, width(), gain);
+    curve_.GainLine(largest, width(), gain);
     SuppressLine(crIn_[o], gain, gainCr_, width(), cr_[o]);
     SuppressLine(cbIn_[o], gain, gainCb_, width(), cb_[o]);
   }
 
   /// Brightness levels from red, blue and the low-passed luminance; column 0 gets 0.
   static void LevelLine(LineOf<T> r, LineOf<T> b, Line luminance, int width,
-                        MutableLineOf<NarrowSample> level) {
-    const auto at = [&](Index x, Sample rRight, Sample bRight) {
-      const Sample sum =
-          r[x - 1] + 2 * r[x] + rRight + luminance[x] + 2 * (b[x - 1] + 2 * b[x] + bRight);
-      return static_cast<NarrowSample>(ClampedQuotient(sum, 8, 32, kHighestLevel + 32) - 32);
-    };
+                        MutableLineOf<T> level) {
+    const int last = width - 1;
+    ForColumns<T>(1, last, [=]<int n>(LaneCount<n>, Index x) {
+      const auto beside = [&](LineOf<T> l) { return Load<n>(l + x - 1) + Load<n>(l + x + 1); };
+      const auto sum = DotPairs(beside(r), 1, Load<n>(r + x), 2) +
+                       DotPairs(beside(b), 2, Load<n>(b + x), 4) + LoadSums<n, T>(luminance + x);
+      Store(level + x, Level(Narrowed(sum >> 8)));
+    });
     level[0] = 0;
-    for (Index x = 1; x < width - 1; ++x) level[x] = at(x, r[x + 1], b[x + 1]);
-    level[width - 1] = at(width - 1, r[width - 1], b[width - 1]);  // the last sample repeats
+    // The last sample repeats.
+    const Sample sum =
+        r[last - 1] + 3 * r[last] + luminance[last] + 2 * (b[last - 1] + 3 * b[last]);
+    level[last] = Level(Lanes<T, 1>{Nearest<T>(sum >> 8)}).v;
+  }
+  template <int n>
+  DEIMG_INLINE static Lanes<T, n> Level(Lanes<T, n> brightness) {
+    return Clamp(brightness, 32, kHighestLevel + 32) - Lanes<T, n>::All(32);
   }
 
   /// The largest level within three columns on either side; the two columns before the last keep
   /// their own level.
-  static void LargestLevelLine(LineOf<NarrowSample> level, int width,
-                               MutableLineOf<NarrowSample> largest) {
+  static void LargestLevelLine(LineOf<T> level, int width, MutableLineOf<T> largest) {
     largest[0] = 0;
     // Levels are never negative, so columns before the line may simply be left out.
     largest[1] = Max(Max(level[1], level[2]), Max(level[3], level[4]));
     largest[2] = Max(largest[1], level[5]);
-    for (Index x = 3; x < width - 3; ++x) {
-      largest[x] = Max(Max(Max(level[x - 3], level[x - 2]), Max(level[x - 1], level[x])),
-                       Max(Max(level[x + 1], level[x + 2]), level[x + 3]));
-    }
+    ForColumns<T>(3, width - 3, [=]<int n>(LaneCount<n>, Index x) {
+      const auto pair = [=](Index c) { return Max(Load<n>(level + c), Load<n>(level + c + 1)); };
+      Store(largest + x,
+            Max(Max(pair(x - 3), pair(x - 1)), Max(pair(x + 1), Load<n>(level + x + 3))));
+    });
     for (Index x = width - 3; x < width; ++x) largest[x] = level[x];
   }
 
   /// Applies the curve's gains and a fixed one.
-  static void SuppressLine(Line in, Line curve, Sample gain, int width, MutableLine out) {
-    constexpr Sample kOne = kChromaGainOne * kChromaGainOne;
-    for (Index x = 0; x < width; ++x) out[x] = in[x] * curve[x] * gain / kOne;
+  static void SuppressLine(LineOf<T> in, LineOf<T> curve, Sample gain, int width,
+                           MutableLineOf<T> out) {
+    ForColumns<T>(0, width, [=]<int n>(LaneCount<n>, Index x) {
+      const auto gains = Load<n>(curve + x) * static_cast<T>(gain);
+      Store(out + x, ScaledBy<kOneBits, 1>(Load<n>(in + x), gains));
+    });
     out[0] = out[width - 1] = 0;
   }
 
-  const ChromaSuppression& parameters_;
+  static constexpr int kOneBits = 14;
+  static constexpr Sample kOne = kChromaGainOne * kChromaGainOne;
+  static_assert(kOne == 1 << kOneBits);
+
   const bool plain_;
   const Sample gainCr_;
   const Sample gainCb_;
-  const Input<Sample> crIn_;
-  const Input<Sample> cbIn_;
+  GainCurve<T, 5, kSuppressionCurveSize> curve_;
+  const Result curveStatus_;
+  const Input<T> crIn_;
+  const Input<T> cbIn_;
   const Input<Sample> luminance_;
   const Input<T> red_;
   const Input<T> blue_;
-  const Output<Sample> cr_{*this, kFirstDifference};
-  const Output<Sample> cb_{*this, kSecondDifference};
-  BlockOf<Sample> suppressTable_;
+  const Output<T> cr_;
+  const Output<T> cb_;
 };
 
 }  // namespace deimg::DEIMG_LEVEL

@@ -25,7 +25,15 @@ class HokanCircuit final : public Stage {
         threshold_(context.filters().directionThreshold),
         chooses_(context.tuning.greenChoiceEnable != 0),
         direction_(*this, direction, VHDiff<T>::kMeasure),
-        mosaic_(*this, mosaic, WhiteBalance<T>::kMosaic) {}
+        mosaic_(*this, mosaic, WhiteBalance<T>::kMosaic),
+        planes_(needed_ ? PlaneRange(mosaic_.range()) : Exactly(0)),
+        red_(*this, kRedMinusGreen, planes_ - planes_),
+        greenOfRed_(*this, kGreenOfRed, planes_),
+        greenOfBlue_(*this, kGreenOfBlue, planes_),
+        blue_(*this, kBlueMinusGreen, planes_ - planes_) {
+    this->template Needs<T>(planes_ + planes_);
+    this->template Needs<T>(Magnitude(red_.range()) + Magnitude(blue_.range()));
+  }
 
  private:
   void ComputeLine(int o) override {
@@ -60,10 +68,11 @@ class HokanCircuit final : public Stage {
   const bool chooses_;
   const Input<T> direction_;
   const Input<T> mosaic_;
-  const Output<T> red_{*this, kRedMinusGreen};
-  const Output<T> greenOfRed_{*this, kGreenOfRed};
-  const Output<T> greenOfBlue_{*this, kGreenOfBlue};
-  const Output<T> blue_{*this, kBlueMinusGreen};
+  const Range planes_;
+  const Output<T> red_;
+  const Output<T> greenOfRed_;
+  const Output<T> greenOfBlue_;
+  const Output<T> blue_;
 };
 
 }  // namespace deimg::DEIMG_LEVEL

@@ -22,7 +22,11 @@ class HokanVH final : public Stage {
       : Stage(InfoOf(TypeId::kHokanVH), context.size(), {&mosaic, &direction}),
         threshold_(context.filters().directionThreshold),
         mosaic_(*this, mosaic, WhiteBalance<T>::kMosaic),
-        direction_(*this, direction, VHDiff<T>::kMeasure) {}
+        direction_(*this, direction, VHDiff<T>::kMeasure),
+        red_(*this, kRed, PlaneRange(mosaic_.range())),
+        greenOfRed_(*this, kGreenOfRed, PlaneRange(mosaic_.range())),
+        greenOfBlue_(*this, kGreenOfBlue, PlaneRange(mosaic_.range())),
+        blue_(*this, kBlue, PlaneRange(mosaic_.range())) {}
 
  private:
   void ComputeLine(int o) override {
@@ -47,10 +51,10 @@ class HokanVH final : public Stage {
   const Sample threshold_;
   const Input<T> mosaic_;
   const Input<T> direction_;
-  const Output<T> red_{*this, kRed};
-  const Output<T> greenOfRed_{*this, kGreenOfRed};
-  const Output<T> greenOfBlue_{*this, kGreenOfBlue};
-  const Output<T> blue_{*this, kBlue};
+  const Output<T> red_;
+  const Output<T> greenOfRed_;
+  const Output<T> greenOfBlue_;
+  const Output<T> blue_;
 };
 
 }  // namespace deimg::DEIMG_LEVEL

@@ -8,6 +8,7 @@
 #ifndef DEIMG_STAGES_COLOUR_MATRIX4X3_INL_H
 #define DEIMG_STAGES_COLOUR_MATRIX4X3_INL_H
 
+#include "line/lanes-inl.h"
 #include "stages/colour/hokan_vh-inl.h"
 #include "stages/colour/median_crcb-inl.h"
 
@@ -28,7 +29,10 @@ class Matrix4x3 final : public Stage {
         greenOfBlue_(*this, planes, HokanVH<T>::kGreenOfBlue),
         blue_(*this, planes, HokanVH<T>::kBlue),
         redMinusGreen_(*this, median, MedianCrCb<T>::kRedMinusGreen),
-        blueMinusGreen_(*this, median, MedianCrCb<T>::kBlueMinusGreen) {}
+        blueMinusGreen_(*this, median, MedianCrCb<T>::kBlueMinusGreen),
+        luminance_(*this, kLuminance, RowRange(&coefficients_[4])),
+        first_(*this, kFirstDifference, DifferenceRange(&coefficients_[0])),
+        second_(*this, kSecondDifference, DifferenceRange(&coefficients_[8])) {}
 
  private:
   /// Three rows of four coefficients, kMatrixOne = 1.0: first colour difference, luminance, second
@@ -42,6 +46,16 @@ class Matrix4x3 final : public Stage {
       -307,  307,  911, -911,
   };
   // clang-format on
+
+  Range RowRange(const std::int16_t* row) const {
+    return (row[0] * red_.range() + row[1] * greenOfRed_.range() + row[2] * blue_.range() +
+            row[3] * greenOfBlue_.range()) /
+           kMatrixOne;
+  }
+  Range DifferenceRange(const std::int16_t* row) const {
+    if (fromPlanes_) return RowRange(row);
+    return (row[0] * redMinusGreen_.range() + row[2] * blueMinusGreen_.range()) / kMatrixOne;
+  }
 
   void ComputeLine(int o) override {
     const ColourMatrix& m = coefficients_;
@@ -57,25 +71,29 @@ class Matrix4x3 final : public Stage {
     }
   }
 
-  void PlanesLine(int o, const std::int16_t* row, Sample* out) const {
+  void PlanesLine(int o, const std::int16_t* row, T* out) const {
     RowLine(red_[o], greenOfRed_[o], blue_[o], greenOfBlue_[o], row, width(), out);
   }
 
   /// One row of the matrix on four planes.
   static void RowLine(LineOf<T> r, LineOf<T> gr, LineOf<T> b, LineOf<T> gb, const std::int16_t* row,
-                      int width, MutableLine out) {
+                      int width, MutableLineOf<T> out) {
     const Sample m0 = row[0], m1 = row[1], m2 = row[2], m3 = row[3];
-    for (Index x = 0; x < width; ++x) {
-      out[x] = (r[x] * m0 + gr[x] * m1 + b[x] * m2 + gb[x] * m3) / kMatrixOne;
-    }
+    ForColumns<T>(0, width, [=]<int n>(LaneCount<n>, Index x) {
+      const auto sum = DotPairs(Load<n>(r + x), m0, Load<n>(gr + x), m1) +
+                       DotPairs(Load<n>(b + x), m2, Load<n>(gb + x), m3);
+      Store(out + x, Narrowed(Quotient<kMatrixBits>(sum)));
+    });
   }
 
   /// The red and blue coefficients of a row on the two colour differences.
   static void PairLine(LineOf<T> redMinusGreen, LineOf<T> blueMinusGreen, Sample mRed, Sample mBlue,
-                       int width, MutableLine out) {
-    for (Index x = 0; x < width; ++x) {
-      out[x] = (redMinusGreen[x] * mRed + blueMinusGreen[x] * mBlue) / kMatrixOne;
-    }
+                       int width, MutableLineOf<T> out) {
+    ForColumns<T>(0, width, [=]<int n>(LaneCount<n>, Index x) {
+      const auto sum =
+          DotPairs(Load<n>(redMinusGreen + x), mRed, Load<n>(blueMinusGreen + x), mBlue);
+      Store(out + x, Narrowed(Quotient<kMatrixBits>(sum)));
+    });
   }
 
   const ColourMatrix coefficients_;
@@ -86,9 +104,9 @@ class Matrix4x3 final : public Stage {
   const Input<T> blue_;
   const Input<T> redMinusGreen_;
   const Input<T> blueMinusGreen_;
-  const Output<Sample> luminance_{*this, kLuminance};
-  const Output<Sample> first_{*this, kFirstDifference};
-  const Output<Sample> second_{*this, kSecondDifference};
+  const Output<T> luminance_;
+  const Output<T> first_;
+  const Output<T> second_;
 };
 
 }  // namespace deimg::DEIMG_LEVEL

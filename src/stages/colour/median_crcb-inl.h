@@ -19,7 +19,9 @@ class MedianCrCb final : public Stage {
       : Stage(InfoOf(TypeId::kMedianCrCb), context.size(), {&differences}, 3),
         filters_(!context.settings.medianOff()),
         redIn_(*this, differences, HokanCircuit<T>::kRedMinusGreen),
-        blueIn_(*this, differences, HokanCircuit<T>::kBlueMinusGreen) {}
+        blueIn_(*this, differences, HokanCircuit<T>::kBlueMinusGreen),
+        red_(*this, kRedMinusGreen, redIn_.range()),
+        blue_(*this, kBlueMinusGreen, blueIn_.range()) {}
 
  private:
   void ComputeLine(int o) override {
@@ -43,26 +45,28 @@ class MedianCrCb final : public Stage {
   static void SortColumnsLine(LineOf<T> above, LineOf<T> centre, LineOf<T> below, int width,
                               MutableLineOf<T> lowest, MutableLineOf<T> middle,
                               MutableLineOf<T> highest) {
-    for (Index x = 0; x < width; ++x) {
-      const T low = Min(above[x], below[x]);
-      const T high = Max(above[x], below[x]);
-      lowest[x] = Min(low, centre[x]);
-      highest[x] = Max(high, centre[x]);
-      middle[x] = Max(low, Min(high, centre[x]));
-    }
+    ForColumns<T>(0, width, [=]<int n>(LaneCount<n>, Index x) {
+      const auto a = Load<n>(above + x), b = Load<n>(below + x), c = Load<n>(centre + x);
+      const auto low = Min(a, b), high = Max(a, b);
+      Store(lowest + x, Min(low, c));
+      Store(highest + x, Max(high, c));
+      Store(middle + x, Max(low, Min(high, c)));
+    });
   }
 
-  static void Order(T& low, T& high) {
-    const T smaller = Min(low, high);
+  template <typename V>
+  DEIMG_INLINE static void Order(V& low, V& high) {
+    const V smaller = Min(low, high);
     high = Max(low, high);
     low = smaller;
   }
 
-  static T MedianOf5(T a, T b, T c, T d, T e) {
+  template <typename V>
+  DEIMG_INLINE static V MedianOf5(V a, V b, V c, V d, V e) {
     Order(a, b);
     Order(c, d);
-    T low = Max(a, c);
-    T high = Min(b, d);
+    V low = Max(a, c);
+    V high = Min(b, d);
     Order(low, high);
     return Max(low, Min(high, e));
   }
@@ -74,25 +78,27 @@ class MedianCrCb final : public Stage {
   /// all.
   static void MedianOfColumnsLine(LineOf<T> lowest, LineOf<T> middle, LineOf<T> highest, int width,
                                   MutableLineOf<T> out) {
-    for (Index x = 2; x < width - 2; ++x) {
-      T l0 = lowest[x - 2], l1 = lowest[x - 1], l2 = lowest[x], l3 = lowest[x + 1];
+    ForColumns<T>(2, width - 2, [=]<int n>(LaneCount<n>, Index x) {
+      using V = Lanes<T, n>;
+      const auto at = [=](LineOf<T> line, Index k) { return Load<n>(line + x + k); };
+      V l0 = at(lowest, -2), l1 = at(lowest, -1), l2 = at(lowest, 0), l3 = at(lowest, 1);
       Order(l0, l1);
       Order(l2, l3);
-      const T l4 = lowest[x + 2];
-      const T top = Max(l1, l3);
-      T p = Max(Max(Min(l1, l3), Max(l0, l2)), Min(top, l4));
-      T q = Max(top, l4);
+      const V l4 = at(lowest, 2);
+      const V top = Max(l1, l3);
+      V p = Max(Max(Min(l1, l3), Max(l0, l2)), Min(top, l4));
+      V q = Max(top, l4);
 
-      T h0 = highest[x - 2], h1 = highest[x - 1], h2 = highest[x], h3 = highest[x + 1];
+      V h0 = at(highest, -2), h1 = at(highest, -1), h2 = at(highest, 0), h3 = at(highest, 1);
       Order(h0, h1);
       Order(h2, h3);
-      const T h4 = highest[x + 2];
-      const T bottom = Min(h0, h2);
-      T u = Min(bottom, h4);
-      T v = Min(Min(Max(h0, h2), Min(h1, h3)), Max(bottom, h4));
+      const V h4 = at(highest, 2);
+      const V bottom = Min(h0, h2);
+      V u = Min(bottom, h4);
+      V v = Min(Min(Max(h0, h2), Min(h1, h3)), Max(bottom, h4));
 
-      T m0 = middle[x - 2], m1 = middle[x - 1], m2 = middle[x], m3 = middle[x + 1];
-      T m4 = middle[x + 2];
+      V m0 = at(middle, -2), m1 = at(middle, -1), m2 = at(middle, 0), m3 = at(middle, 1);
+      V m4 = at(middle, 2);
       Order(m0, m1);
       Order(m3, m4);
       Order(m2, m4);
@@ -108,15 +114,15 @@ class MedianCrCb final : public Stage {
       u = Max(p, u);
       Order(q, m3);
       v = Min(m3, v);
-      out[x] = MedianOf5(m1, u, q, v, m2);
-    }
+      Store(out + x, MedianOf5(m1, u, q, v, m2));
+    });
   }
 
   const bool filters_;
   const Input<T> redIn_;
   const Input<T> blueIn_;
-  const Output<T> red_{*this, kRedMinusGreen};
-  const Output<T> blue_{*this, kBlueMinusGreen};
+  const Output<T> red_;
+  const Output<T> blue_;
 };
 
 }  // namespace deimg::DEIMG_LEVEL

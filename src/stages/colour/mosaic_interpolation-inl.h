@@ -2,7 +2,8 @@
 #ifndef DEIMG_STAGES_COLOUR_MOSAIC_INTERPOLATION_INL_H
 #define DEIMG_STAGES_COLOUR_MOSAIC_INTERPOLATION_INL_H
 
-#include "line/arithmetic.h"
+#include "line/lanes-inl.h"
+#include "line/range.h"
 
 namespace deimg::DEIMG_LEVEL {
 
@@ -19,35 +20,54 @@ struct PlaneLines {
 template <typename T>
 static inline void InterpolateOwnColoursLine(LineOf<T> centre, int width, MutableLineOf<T> even,
                                              MutableLineOf<T> odd) {
-  ColumnOf<T> column = 1;
-  for (Index x = 1; x < width - 1; ++x, ++column) {
-    const auto here = static_cast<T>(4 * centre[x]);
-    const auto beside = static_cast<T>(2 * (centre[x - 1] + centre[x + 1]));
-    even[x] = ByParity<T>(column, here, beside);
-    odd[x] = ByParity<T>(column, beside, here);
-  }
-  even[0] = static_cast<T>(4 * centre[0]);
-  odd[0] = static_cast<T>(4 * centre[1]);
-  even[width - 1] = static_cast<T>(4 * centre[width - 2]);
-  odd[width - 1] = static_cast<T>(4 * centre[width - 1]);
+  ForColumns<T>(2, width - 2, [=]<int n>(LaneCount<n>, Index x) {
+    const auto here = Load<n>(centre + x) << 2;
+    const auto beside = (Load<n>(centre + x - 1) + Load<n>(centre + x + 1)) << 1;
+    Store(even + x, ByColumnParity(x, here, beside));
+    Store(odd + x, ByColumnParity(x, beside, here));
+  });
+  const Index last = width - 1;
+  const auto four = [=](Index x) { return static_cast<T>(4 * centre[x]); };
+  const auto beside = [=](Index x) { return static_cast<T>(2 * (centre[x - 1] + centre[x + 1])); };
+  even[0] = four(0);
+  odd[0] = four(1);
+  even[1] = beside(1);
+  odd[1] = four(1);
+  even[last - 1] = four(last - 1);
+  odd[last - 1] = beside(last - 1);
+  even[last] = four(last - 1);
+  odd[last] = four(last);
 }
 
 /// The planes of the two colours that the lines above and below have.
 template <typename T>
 static inline void InterpolateOtherColoursLine(LineOf<T> above, LineOf<T> below, int width,
                                                MutableLineOf<T> even, MutableLineOf<T> odd) {
-  ColumnOf<T> column = 1;
-  for (Index x = 1; x < width - 1; ++x, ++column) {
-    const auto here = static_cast<T>(2 * (above[x] + below[x]));
-    const auto beside = static_cast<T>(above[x - 1] + below[x - 1] + above[x + 1] + below[x + 1]);
-    even[x] = ByParity<T>(column, here, beside);
-    odd[x] = ByParity<T>(column, beside, here);
-  }
-  even[0] = static_cast<T>(2 * (above[0] + below[0]));
-  odd[0] = static_cast<T>(2 * (above[1] + below[1]));
-  even[width - 1] = static_cast<T>(2 * (above[width - 2] + below[width - 2]));
-  odd[width - 1] = static_cast<T>(2 * (above[width - 1] + below[width - 1]));
+  ForColumns<T>(2, width - 2, [=]<int n>(LaneCount<n>, Index x) {
+    const auto pair = [=](Index column) {
+      return Load<n>(above + column) + Load<n>(below + column);
+    };
+    const auto here = pair(x) << 1, beside = pair(x - 1) + pair(x + 1);
+    Store(even + x, ByColumnParity(x, here, beside));
+    Store(odd + x, ByColumnParity(x, beside, here));
+  });
+  const Index last = width - 1;
+  const auto twice = [=](Index x) { return static_cast<T>(2 * (above[x] + below[x])); };
+  const auto beside = [=](Index x) {
+    return static_cast<T>(above[x - 1] + below[x - 1] + above[x + 1] + below[x + 1]);
+  };
+  even[0] = twice(0);
+  odd[0] = twice(1);
+  even[1] = beside(1);
+  odd[1] = twice(1);
+  even[last - 1] = twice(last - 1);
+  odd[last - 1] = beside(last - 1);
+  even[last] = twice(last - 1);
+  odd[last] = twice(last);
 }
+
+/// The range of the planes of a mosaic.
+static inline Range PlaneRange(Range mosaic) { return 4 * mosaic; }
 
 /// Interpolates one line of the mosaic bilinearly into four planes at four times its scale;
 /// `above`, `centre` and `below` are mosaic lines. Edge columns repeat; `width` is even.

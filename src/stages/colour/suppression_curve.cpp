@@ -39,7 +39,8 @@ std::optional<double> SlopeOf(std::uint16_t code) {
 
 }  // namespace
 
-Result BuildSuppressionCurve(const ChromaSuppression& p, Sample* table) {
+Result BuildSuppressionCurve(const ChromaSuppression& p, Sample* table,
+                             SuppressionSegments& segments) {
   const auto dark = DarkRampOf(p.darkCode);
   const auto slope2Code = SlopeOf(p.slope2Code);
   const auto slope3Code = SlopeOf(p.slope3Code);
@@ -70,6 +71,13 @@ Result BuildSuppressionCurve(const ChromaSuppression& p, Sample* table) {
   fill(x2 + 1, x3, [&](int i) { return std::max(0, Truncated(i * slope3 + intercept3)); });
   fill(x3 + 1, kHighestLevel,
        [&](int i) { return std::max(0, Truncated(i * slope4 + intercept4)); });
+  segments = {{{0, dark->slope, dark->offset},
+               {x1 + 1, 0, kFull},
+               {xk + 1, slope2, intercept2},
+               {x2 + 1, slope3, intercept3},
+               {x3 + 1, slope4, intercept4}},
+              0,
+              kFull};
   return DEIMG_OK;
 }
 

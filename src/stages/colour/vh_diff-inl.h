@@ -6,6 +6,7 @@
 #ifndef DEIMG_STAGES_COLOUR_VH_DIFF_INL_H
 #define DEIMG_STAGES_COLOUR_VH_DIFF_INL_H
 
+#include "line/lanes-inl.h"
 #include "stages/colour/white_balance-inl.h"
 
 namespace deimg::DEIMG_LEVEL {
@@ -17,9 +18,15 @@ class VHDiff final : public Stage {
 
   VHDiff(const StageContext& context, WhiteBalance<T>& mosaic)
       : Stage(InfoOf(TypeId::kVHDiff), context.size(), {&mosaic}),
-        mosaic_(*this, mosaic, WhiteBalance<T>::kMosaic) {}
+        mosaic_(*this, mosaic, WhiteBalance<T>::kMosaic),
+        measure_(*this, kMeasure, MeasureRange(mosaic_.range())) {}
 
  private:
+  static Range MeasureRange(Range m) {
+    const Range activity = Magnitude(2 * m - (m + m)) + Magnitude(m - m);
+    return Either(activity - activity, Exactly(0));
+  }
+
   void ComputeLine(int o) override {
     MeasureLine(mosaic_[o - 2], mosaic_[o - 1], mosaic_[o], mosaic_[o + 1], mosaic_[o + 2], width(),
                 measure_[o]);
@@ -29,18 +36,19 @@ class VHDiff final : public Stage {
   /// colour.
   static void MeasureLine(LineOf<T> u2, LineOf<T> u1, LineOf<T> m, LineOf<T> d1, LineOf<T> d2,
                           int width, MutableLineOf<T> out) {
+    ForColumns<T>(2, width - 2, [=]<int n>(LaneCount<n>, Index x) {
+      const auto at = [=](LineOf<T> line, Index column) { return Load<n>(line + column); };
+      const auto twice = at(m, x) << 1;
+      const auto horizontal =
+          Abs(twice - at(m, x - 2) - at(m, x + 2)) + Abs(at(m, x - 1) - at(m, x + 1));
+      const auto vertical = Abs(twice - at(u2, x) - at(d2, x)) + Abs(at(u1, x) - at(d1, x));
+      Store(out + x, vertical - horizontal);
+    });
     out[0] = out[1] = out[width - 2] = out[width - 1] = 0;
-    for (Index x = 2; x < width - 2; ++x) {
-      const auto horizontal = static_cast<T>(Abs(static_cast<T>(2 * m[x] - m[x - 2] - m[x + 2])) +
-                                             Abs(static_cast<T>(m[x - 1] - m[x + 1])));
-      const auto vertical = static_cast<T>(Abs(static_cast<T>(2 * m[x] - u2[x] - d2[x])) +
-                                           Abs(static_cast<T>(u1[x] - d1[x])));
-      out[x] = static_cast<T>(vertical - horizontal);
-    }
   }
 
   const Input<T> mosaic_;
-  const Output<T> measure_{*this, kMeasure};
+  const Output<T> measure_;
 };
 
 }  // namespace deimg::DEIMG_LEVEL

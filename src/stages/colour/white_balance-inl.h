@@ -25,18 +25,16 @@ class WhiteBalance final : public Stage {
   WhiteBalance(const StageContext& context, SourceStreamReader& source)
       : Stage(InfoOf(TypeId::kWhiteBalance), context.size(), {&source}, 1),
         settings_(context.settings),
-        raw_(*this, source, SourceStreamReader::kRaw) {}
+        clipLevel_(ClipLevel(settings_)),
+        raw_(*this, source, SourceStreamReader::kRaw),
+        mosaic_(*this, kMosaic, MosaicRange()) {}
 
   /// 98 for an exposure adjustment out of range, 3 without memory for its table.
   [[nodiscard]] Result Prepare() override {
     const int adjust = settings_.exposureAdjust;
-    if (adjust < -kLargestAdjustment || adjust > kLargestAdjustment) return DEIMG_MISSING;
+    if (!IsKnown(adjust)) return DEIMG_MISSING;
     if (adjust == 0) return DEIMG_OK;
     const double factor = ExposureFactor(adjust);
-    if (adjust < 0) {
-      const Sample greenGain = (settings_.wbGains[1] + settings_.wbGains[2]) / 2;
-      clipLevel_ = std::min(Truncated(4096.0 * factor * greenGain / 1024.0), kHighestRaw);
-    }
     exposureTable_ = BlockOf<std::uint16_t>::Zeroed(kHighestRaw + 1);
     if (!exposureTable_) return DEIMG_OUT_OF_MEMORY;
     for (int i = 0; i <= kHighestRaw; ++i) {
@@ -49,6 +47,27 @@ class WhiteBalance final : public Stage {
   static constexpr int kLargestAdjustment = 20;  // tenths of a stop
   static constexpr Sample kPedestal = 128;
 
+  static bool IsKnown(int adjust) {
+    return adjust >= -kLargestAdjustment && adjust <= kLargestAdjustment;
+  }
+
+  /// White, which a darker exposure lowers.
+  static Sample ClipLevel(const DevelopSettings& settings) {
+    const int adjust = settings.exposureAdjust;
+    if (!IsKnown(adjust) || adjust >= 0) return kHighestRaw;
+    const Sample greenGain = (settings.wbGains[1] + settings.wbGains[2]) / 2;
+    return std::min(Truncated(4096.0 * ExposureFactor(adjust) * greenGain / 1024.0), kHighestRaw);
+  }
+
+  Range MosaicRange() const {
+    constexpr Range kRaw = {0, 65535};
+    Range gained = Exactly(0);
+    for (const Sample gain : settings_.wbGains) {
+      gained = Either(gained, gain * kRaw / kGainOne + Exactly(kPedestal));
+    }
+    return Clamped(gained, kAnything.low, clipLevel_);
+  }
+
   void ComputeLine(int o) override {
     const std::uint16_t* in = raw_[o];
     if (exposureTable_) {
@@ -57,8 +76,12 @@ class WhiteBalance final : public Stage {
       in = exposed;
     }
     const std::size_t site = IsOddAt(o) ? 2 : 0;
-    GainLine(in, settings_.wbGains[site], settings_.wbGains[site + 1], clipLevel_, width(),
-             mosaic_[o]);
+    const Sample evenGain = settings_.wbGains[site], oddGain = settings_.wbGains[site + 1];
+    if (IsModerate(evenGain) && IsModerate(oddGain) && clipLevel_ >= kPedestal) {
+      ModerateGainLine(in, evenGain, oddGain, clipLevel_, width(), mosaic_[o]);
+    } else {
+      GainLine(in, evenGain, oddGain, clipLevel_, width(), mosaic_[o]);
+    }
   }
 
   /// Looks raw samples up; larger ones than the table holds count as its last.
@@ -76,6 +99,25 @@ class WhiteBalance final : public Stage {
     }
   }
 
+  /// Gains with which a sample of 14 bits or more is white, and that fit into 12 bits.
+  static bool IsModerate(Sample gain) { return gain >= 256 && gain < 4096; }
+
+  /// The same for moderate gains and a clip level above the pedestal: 14 bits of a sample times
+  /// 12 bits of gain, both moved up so that the quotient is the upper half of the product.
+  static void ModerateGainLine(LineOf<std::uint16_t> in, Sample evenGain, Sample oddGain,
+                               Sample clipLevel, int width, MutableLineOf<T> out) {
+    using Word = std::uint16_t;
+    const auto even = static_cast<Word>(evenGain << 4), odd = static_cast<Word>(oddGain << 4);
+    const auto white = static_cast<Word>(clipLevel - kPedestal);
+    Word column = 0;
+    for (Index x = 0; x < width; ++x, ++column) {
+      const auto sample = static_cast<Word>(Min<Word>(in[x], 16383) << 2);
+      const Word gain = ByParity<Word>(column, even, odd);
+      const auto product = static_cast<Word>((std::uint32_t{sample} * gain) >> 16);
+      out[x] = static_cast<T>(Min<Word>(product, white) + kPedestal);
+    }
+  }
+
   /// 2 to the power of adjust / 10, rounded to single precision: whole stops times tenths. No
   /// mathematics library and no precision that a host leaves the processor in has a say in it.
   static double ExposureFactor(int adjust) {
@@ -87,9 +129,9 @@ class WhiteBalance final : public Stage {
   }
 
   const DevelopSettings& settings_;
+  const Sample clipLevel_;
   const Input<std::uint16_t> raw_;
-  const Output<T> mosaic_{*this, kMosaic};
-  Sample clipLevel_ = kHighestRaw;
+  const Output<T> mosaic_;
   BlockOf<std::uint16_t> exposureTable_;  // sample by raw sample; empty without adjustment
 };
 

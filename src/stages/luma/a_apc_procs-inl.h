@@ -10,31 +10,34 @@
 
 namespace deimg::DEIMG_LEVEL {
 
+template <typename T>
 class AApcProcs final : public Stage {
  public:
   enum Port { kDetail };
 
-  template <typename T>
   AApcProcs(const StageContext& context, AFilterMain<T>& detail)
       : Stage(InfoOf(TypeId::kAApcProcs), context.size(), {&detail}),
         idle_(context.settings.withoutDetail()),
         curve_(MakeApcCurve(context.details().aApc, 16384, 4)),
-        in_(*this, detail, AFilterMain<T>::kDetail) {}
+        in_(*this, detail, AFilterMain<T>::kDetail),
+        detail_(*this, kDetail, idle_ ? Exactly(0) : curve_.values) {
+    this->NeedsNarrow<T>(idle_ || curve_.isNarrow);
+  }
 
  private:
   void ComputeLine(int o) override {
     if (!idle_) CurveLine(in_[o], curve_, width(), detail_[o]);
   }
 
-  static void CurveLine(Line in, const ApcSegments& curve, int width, MutableLine out) {
-    ApcCurveColumns(
-        curve, 0, 0, width, [&](Index x) { return in[x]; }, out);
+  static void CurveLine(Line in, const ApcSegments& curve, int width, MutableLineOf<T> out) {
+    ApcCurveColumns<T>(
+        curve, 0, 0, width, [=]<int n>(Index x) { return Load<n>(in + x); }, out);
   }
 
   const bool idle_;
   const ApcSegments curve_;
   const Input<Sample> in_;
-  const Output<Sample> detail_{*this, kDetail};
+  const Output<T> detail_;
 };
 
 }  // namespace deimg::DEIMG_LEVEL

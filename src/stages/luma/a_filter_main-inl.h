@@ -21,20 +21,21 @@ class AFilterMain final : public Stage {
   enum Port { kDetail };
 
   AFilterMain(const StageContext& context, VHDiff<T>& direction, VerLpfForAFilter<T>& vertical,
-              HorLpfForAFilter& both, AFilterHokanLpf<T>& horizontal)
+              HorLpfForAFilter<T>& both, AFilterHokanLpf<T>& horizontal)
       : Stage(InfoOf(TypeId::kAFilterMain), context.size(),
               {&direction, &vertical, &both, &horizontal}),
         tuning_(context.filters()),
         direction_(*this, direction, VHDiff<T>::kMeasure),
         vertical_(*this, vertical, VerLpfForAFilter<T>::kLowPassed),
-        both_(*this, both, HorLpfForAFilter::kLowPassed),
-        horizontal_(*this, horizontal, AFilterHokanLpf<T>::kGreen) {}
+        both_(*this, both, HorLpfForAFilter<T>::kLowPassed),
+        horizontal_(*this, horizontal, AFilterHokanLpf<T>::kGreen),
+        detail_(*this, kDetail, DetailRange()) {}
 
   /// 96 for a slope that does not exist.
   [[nodiscard]] Result Prepare() override {
     constexpr int kSteepestShift = 8;
     if (tuning_.aFilterSlopeShift > kSteepestShift) return DEIMG_UNSUPPORTED;
-    gain_.core = tuning_.aFilterCoreLevel;
+    gain_.core = Min<Sample>(tuning_.aFilterCoreLevel, kLargestSize);  // more is the same
     gain_.step = 256 >> tuning_.aFilterSlopeShift;
     const Sample rampEnd = (gain_.step * gain_.core / 8 + kFull) * 8 / gain_.step;
     gain_.full = Min(rampEnd, kLargestSize);
@@ -49,32 +50,44 @@ class AFilterMain final : public Stage {
     Sample step;
     Sample full;
   };
-  static constexpr Sample kFull = 32;
+  static constexpr int kFullBits = 5;
+  static constexpr Sample kFull = 1 << kFullBits;
   static constexpr Sample kLargestSize = 256;  // counted as this, and always full gain
+
+  Range DetailRange() const {
+    const Range smoothed = Either(4 * vertical_.range(), 8 * horizontal_.range());
+    const Range gain = {0, kFull};
+    return (smoothed - both_.range()) * gain / kFull;
+  }
 
   void ComputeLine(int o) override {
     DetailLine(direction_[o], vertical_[o], both_[o], horizontal_[o], gain_, width(), detail_[o]);
   }
 
-  static void DetailLine(LineOf<T> direction, Line vertical, Line both, LineOf<T> horizontal,
+  static void DetailLine(LineOf<T> direction, LineOf<T> vertical, Line both, LineOf<T> horizontal,
                          const Gain& gain, int width, MutableLine out) {
-    const Sample core = gain.core, step = gain.step, full = gain.full;
-    for (Index x = 0; x < width; ++x) {
-      const Sample d = direction[x];
-      const Sample size = Clamp(Abs(d), 0, kLargestSize);
-      const Sample g = size < full ? (Max(size - core, 0) * step) >> 3 : kFull;
-      const Sample smoothed = BySign(d, 4 * vertical[x], 8 * horizontal[x]);
-      out[x] = (smoothed - both[x]) * g / kFull;
-    }
+    ForColumns<T>(0, width, [=]<int n>(LaneCount<n>, Index x) {
+      using L = Lanes<T, n>;
+      const auto all = [](Sample value) { return L::All(static_cast<T>(value)); };
+      const L zero = all(0), d = Load<n>(direction + x);
+      const L size = Clamp(Abs(d), 0, kLargestSize);
+      const L ramp = (Max(size - all(gain.core), zero) * static_cast<T>(gain.step)) >> 3;
+      const L g = Select(size < all(gain.full), ramp, all(kFull));
+      const auto isAlong = d < zero;
+      const auto smoothed = DotPairs(Select(isAlong, Load<n>(vertical + x), zero), 4,
+                                     Select(isAlong, zero, Load<n>(horizontal + x)), 8);
+      const auto difference = smoothed - LoadSums<n, T>(both + x);
+      StoreSums(out + x, Quotient<kFullBits>(difference * Widened(g)));
+    });
   }
 
   const FilterTuning& tuning_;
   Gain gain_{};
   const Input<T> direction_;
-  const Input<Sample> vertical_;
+  const Input<T> vertical_;
   const Input<Sample> both_;
   const Input<T> horizontal_;
-  const Output<Sample> detail_{*this, kDetail};
+  const Output<Sample> detail_;
 };
 
 }  // namespace deimg::DEIMG_LEVEL

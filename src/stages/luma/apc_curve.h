@@ -3,6 +3,7 @@
 #define DEIMG_STAGES_LUMA_APC_CURVE_H
 
 #include "line/line.h"
+#include "line/range.h"
 #include "props/tuning_block.h"
 
 namespace deimg {
@@ -19,6 +20,8 @@ struct ApcSegments {
   Sample slope[3];
   Sample offset[3];
   bool overflows;  // some entry does not fit in 16 bits
+  bool isNarrow;   // 16 bits suffice to compute every entry
+  Range values;    // of both signs
 };
 
 /// The curve of these parameters over `size` magnitudes.

@@ -4,6 +4,7 @@
 
 #include "base/result.h"
 #include "line/line.h"
+#include "line/range.h"
 #include "props/tuning_block.h"
 
 namespace deimg {
@@ -18,6 +19,10 @@ struct DetailGain {
   Sample fall;
   Sample end;
   Sample negativeScale;  // of darkening detail, kGainOne = 1.0
+
+  Range range() const {
+    return Either({0, std::max(hold, rise * riseEnd)}, {0, std::max(end, 0) * fall});
+  }
 };
 
 /// The gain of a sensitivity class; DEIMG_UNSUPPORTED for a code or mode that does not exist.

@@ -9,27 +9,32 @@
 
 namespace deimg::DEIMG_LEVEL {
 
+template <typename T>
 class HorLpfForAFilter final : public Stage {
  public:
   enum Port { kLowPassed };
 
-  template <typename T>
   HorLpfForAFilter(const StageContext& context, VerLpfForAFilter<T>& vertical)
       : Stage(InfoOf(TypeId::kHorLpfForAFilter), context.size(), {&vertical}),
-        vertical_(*this, vertical, VerLpfForAFilter<T>::kLowPassed) {}
+        vertical_(*this, vertical, VerLpfForAFilter<T>::kLowPassed),
+        lowPassed_(*this, kLowPassed, 4 * vertical_.range()) {}
 
  private:
   void ComputeLine(int o) override { SmoothLine(vertical_[o], width(), lowPassed_[o]); }
 
-  static void SmoothLine(Line in, int width, MutableLine out) {
+  static void SmoothLine(LineOf<T> in, int width, MutableLine out) {
     const int last = width - 1;
     out[0] = 4 * in[0];
-    for (Index x = 1; x < last; ++x) out[x] = in[x - 1] + 2 * in[x] + in[x + 1];
     out[last] = 4 * in[last];
+    ForColumns<T>(1, last, [=]<int n>(LaneCount<n>, Index x) {
+      const auto none = Lanes<T, n>::All(0);
+      StoreSums(out + x, DotPairs(Load<n>(in + x - 1), 1, Load<n>(in + x), 2) +
+                             DotPairs(Load<n>(in + x + 1), 1, none, 0));
+    });
   }
 
-  const Input<Sample> vertical_;
-  const Output<Sample> lowPassed_{*this, kLowPassed};
+  const Input<T> vertical_;
+  const Output<Sample> lowPassed_;
 };
 
 }  // namespace deimg::DEIMG_LEVEL

@@ -9,6 +9,7 @@
 #ifndef DEIMG_STAGES_LUMA_R_APC_PROCS_INL_H
 #define DEIMG_STAGES_LUMA_R_APC_PROCS_INL_H
 
+#include "stages/colour/smoothing-inl.h"
 #include "stages/luma/a_filter_hokan_lpf-inl.h"
 #include "stages/luma/apc_curve-inl.h"
 
@@ -26,7 +27,11 @@ class RApcProcs final : public Stage {
         mode1_(context.details().rApcVerticalMode),
         weight_(context.details().rApcBlend),
         curve_(MakeApcCurve(context.details().rApc, 8192, 3)),
-        green_(*this, green, AFilterHokanLpf<T>::kGreen) {}
+        green_(*this, green, AFilterHokanLpf<T>::kGreen),
+        detail_(*this, kDetail, idle_ ? Exactly(0) : curve_.values) {
+    this->NeedsNarrow<T>(idle_ || curve_.isNarrow);
+    this->template Needs<T>(4 * green_.range());
+  }
 
   /// 96 for a horizontal pass, 1 for a vertical filter or a blend that does not exist.
   [[nodiscard]] Result Prepare() override {
@@ -73,22 +78,29 @@ class RApcProcs final : public Stage {
   /// (-1, 2, 17, 28, 17, 2, -1) / 16.
   static void Vertical5Line(LineOf<T> u2, LineOf<T> u1, LineOf<T> m, LineOf<T> d1, LineOf<T> d2,
                             int width, MutableLine out) {
-    for (Index x = 0; x < width; ++x) {
-      out[x] = (6 * m[x] + 4 * (u1[x] + d1[x]) + (u2[x] + d2[x])) / 4;
-    }
+    ForColumns<T>(0, width, [=]<int n>(LaneCount<n>, Index x) {
+      const auto pair = [=](LineOf<T> u, LineOf<T> d) { return Load<n>(u + x) + Load<n>(d + x); };
+      const auto zero = Lanes<T, n>::All(0);
+      StoreSums(out + x, Quotient<2>(DotPairs(Load<n>(m + x), 6, pair(u1, d1), 4) +
+                                     DotPairs(pair(u2, d2), 1, zero, 0)));
+    });
   }
   static void Vertical7Line(LineOf<T> u3, LineOf<T> u2, LineOf<T> u1, LineOf<T> m, LineOf<T> d1,
                             LineOf<T> d2, LineOf<T> d3, int width, MutableLine out) {
-    for (Index x = 0; x < width; ++x) {
-      out[x] = (28 * m[x] + 17 * (u1[x] + d1[x]) + 2 * (u2[x] + d2[x]) - (u3[x] + d3[x])) / 16;
-    }
+    ForColumns<T>(0, width, [=]<int n>(LaneCount<n>, Index x) {
+      const auto pair = [=](LineOf<T> u, LineOf<T> d) { return Load<n>(u + x) + Load<n>(d + x); };
+      StoreSums(out + x, Quotient<4>(DotPairs(Load<n>(m + x), 28, pair(u1, d1), 17) +
+                                     DotPairs(pair(u2, d2), 2, pair(u3, d3), -1)));
+    });
   }
 
   /// Horizontal pass (1, 2, 1) with a gain of 4. The last column adds its new left neighbour.
   static void Horizontal121Line(Line in, int width, MutableLine out) {
     const int last = width - 1;
     out[0] = 2 * in[0] + 2 * in[1];
-    for (Index x = 1; x < last; ++x) out[x] = in[x - 1] + 2 * in[x] + in[x + 1];
+    ForHalves<T>(1, last, [=]<int n>(LaneCount<n>, Index x) {
+      Store(out + x, PairAt<n>(in + x, 1) + (Load<n>(in + x) << 1));
+    });
     out[last] = 2 * out[last - 1] + 2 * in[last];
   }
 
@@ -97,23 +109,24 @@ class RApcProcs final : public Stage {
   static void Horizontal5Line(Line in, Sample centre, Sample far, Sample edge, int width,
                               MutableLine out) {
     for (const int x : {0, 1, width - 2, width - 1}) out[x] = edge * in[x];
-    for (Index x = 2; x < width - 2; ++x) {
-      out[x] = (centre * in[x] + 4 * (in[x - 1] + in[x + 1]) + far * (in[x - 2] + in[x + 2])) / 4;
-    }
+    ForHalves<T>(2, width - 2, [=]<int n>(LaneCount<n>, Index x) {
+      const auto sum =
+          Load<n>(in + x) * centre + (PairAt<n>(in + x, 1) << 2) + PairAt<n>(in + x, 2) * far;
+      Store(out + x, Quotient<2>(sum));
+    });
   }
 
   /// The curve of a reference, (1, 2, 1) down the columns with a gain of 16, minus the blend of
   /// both smooth lines, `weight` eighths of the second.
   static void SharpenLine(LineOf<T> u1, LineOf<T> m, LineOf<T> d1, Line smooth0, Line smooth1,
-                          Sample weight, const ApcSegments& curve, int width, MutableLine out) {
-    const Sample rest = 8 - weight;
-    ApcCurveColumns(
-        curve, 3, 0, width,
-        [&](Index x) {
-          const Sample reference = (u1[x] + 2 * m[x] + d1[x]) * 4;
-          return 8 * reference - rest * smooth0[x] - weight * smooth1[x];
-        },
-        out);
+                          Sample weight, const ApcSegments& curve, int width,
+                          MutableLineOf<T> out) {
+    ForColumns<T>(0, width, [=]<int n>(LaneCount<n>, Index x) {
+      const auto sum = Load<n>(u1 + x) + (Load<n>(m + x) << 1) + Load<n>(d1 + x);
+      const auto first = LoadSums<n, T>(smooth0 + x), second = LoadSums<n, T>(smooth1 + x);
+      const auto difference = (((Widened(sum) << 2) - first) << 3) - (second - first) * weight;
+      Store(out + x, ApcCurveOf(curve, 3, difference));
+    });
   }
 
   const bool idle_;
@@ -122,7 +135,7 @@ class RApcProcs final : public Stage {
   const Sample weight_;
   const ApcSegments curve_;
   const Input<T> green_;
-  const Output<Sample> detail_{*this, kDetail};
+  const Output<T> detail_;
   const Output<Sample> smooth0_{*this, kFirstSmooth};
   const Output<Sample> smooth1_{*this, kSecondSmooth};
 };

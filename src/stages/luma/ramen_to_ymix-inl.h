@@ -9,6 +9,7 @@
 #define DEIMG_STAGES_LUMA_RAMEN_TO_YMIX_INL_H
 
 #include "stages/colour/hokan_vh-inl.h"
+#include "stages/colour/smoothing-inl.h"
 #include "stages/luma/a_filter_main-inl.h"
 
 namespace deimg::DEIMG_LEVEL {
@@ -18,49 +19,71 @@ class RamenToYmix final : public Stage {
  public:
   enum Port { kMixed, kEnhanced };
 
-  RamenToYmix(const StageContext& context, AFilterMain<T>& detail, HorLpfForAFilter& luminance,
+  RamenToYmix(const StageContext& context, AFilterMain<T>& detail, HorLpfForAFilter<T>& luminance,
               HokanVH<T>& planes)
       : Stage(InfoOf(TypeId::kRamenToYmix), context.size(), {&detail, &luminance, &planes}),
         context_(context),
         detail_(*this, detail, AFilterMain<T>::kDetail),
-        luminance_(*this, luminance, HorLpfForAFilter::kLowPassed),
+        luminance_(*this, luminance, HorLpfForAFilter<T>::kLowPassed),
         red_(*this, planes, HokanVH<T>::kRed),
-        blue_(*this, planes, HokanVH<T>::kBlue) {}
+        blue_(*this, planes, HokanVH<T>::kBlue),
+        mixed_(*this, kMixed, MixedRange()),
+        enhanced_(*this, kEnhanced, EnhancedRange()) {
+    this->template Needs<T>(red_.range() + red_.range());
+    this->template Needs<T>(blue_.range() + blue_.range());
+    for (const std::int16_t weight : context.tables.luminanceWeights) {
+      this->template Needs<T>(Exactly(4 * weight));
+    }
+  }
 
  private:
+  Sample pedestal() const { return 8 * (context_.tuning.luminancePedestal / 2); }
+
+  Range EnhancedRange() const {
+    return luminance_.range() + context_.filters().detailGainLow * detail_.range() / 8;
+  }
+  Range MixedRange() const {
+    const auto& weights = context_.tables.luminanceWeights;
+    const Range own = EnhancedRange() - context_.filters().detailGainMix * detail_.range() / 8;
+    const Range sum =
+        weights[1] * own + weights[0] * (4 * red_.range()) + weights[2] * (4 * blue_.range());
+    return sum / kWeightOne - Exactly(pedestal());
+  }
+
   void ComputeLine(int o) override {
     const FilterTuning& tuning = context_.filters();
-    const Sample pedestal = 8 * (context_.tuning.luminancePedestal / 2);
-    AddDetailLine(luminance_[o], detail_[o], tuning.detailGainLow, tuning.detailGainMix, width(),
-                  mixed_[o], enhanced_[o]);
-    MixLine(red_[o], blue_[o], context_.tables.luminanceWeights.data(), pedestal, width(),
-            mixed_[o]);
+    const auto& weights = context_.tables.luminanceWeights;
+    const Mix mix = {tuning.detailGainLow, tuning.detailGainMix, weights[0],
+                     weights[1],           weights[2],           pedestal()};
+    MixLine(luminance_[o], detail_[o], red_[o], blue_[o], mix, width(), enhanced_[o], mixed_[o]);
   }
 
-  /// enhanced = luminance + detail x gain / 8; mixed takes detail x mixGain / 8 back.
-  static void AddDetailLine(Line luminance, Line detail, Sample gain, Sample mixGain, int width,
-                            MutableLine mixed, MutableLine enhanced) {
-    for (Index x = 0; x < width; ++x) {
-      const Sample sum = luminance[x] + detail[x] * gain / 8;
-      enhanced[x] = sum;
-      mixed[x] = sum - detail[x] * mixGain / 8;
-    }
-  }
+  struct Mix {
+    Sample gain, mixGain;   // of detail, in eighths
+    Sample red, own, blue;  // weights
+    Sample pedestal;
+  };
 
-  /// In place: weights the line with red and blue, each smoothed by 1, 2, 1, and subtracts the
-  /// pedestal.
-  static void MixLine(LineOf<T> r, LineOf<T> b, const std::int16_t* weights, Sample pedestal,
-                      int width, MutableLine y) {
-    const Sample wR = weights[0], wY = weights[1], wB = weights[2];
-    const auto mix = [&](Sample own, Sample red, Sample blue) {
-      return (own * wY + red * wR + blue * wB) / kWeightOne - pedestal;
+  /// enhanced = luminance + detail x gain / 8. Then detail x mixGain / 8 is taken back, the line
+  /// weighted with red and blue, each smoothed by 1, 2, 1, and the pedestal subtracted.
+  static void MixLine(Line luminance, Line detail, LineOf<T> r, LineOf<T> b, Mix mix, int width,
+                      MutableLine enhanced, MutableLine mixed) {
+    const auto mixAt = [=]<int n>(Index x, Sums<T, n> colours) {
+      const auto details = LoadSums<n, T>(detail + x);
+      const auto sum = LoadSums<n, T>(luminance + x) + Quotient<3>(details * mix.gain);
+      const auto own = sum - Quotient<3>(details * mix.mixGain);
+      StoreSums(enhanced + x, sum);
+      StoreSums(mixed + x, Quotient<8>(own * mix.own + colours) - own.All(mix.pedestal));
     };
-    const int last = width - 1;
-    y[0] = mix(y[0], 4 * r[0], 4 * b[0]);
-    for (Index x = 1; x < last; ++x) {
-      y[x] = mix(y[x], r[x - 1] + 2 * r[x] + r[x + 1], b[x - 1] + 2 * b[x] + b[x + 1]);
+    for (const Index x : {0, width - 1}) {
+      mixAt(x, DotPairs(Load<1>(r + x), 4 * mix.red, Load<1>(b + x), 4 * mix.blue));
     }
-    y[last] = mix(y[last], 4 * r[last], 4 * b[last]);
+    ForColumns<T>(1, width - 1, [=]<int n>(LaneCount<n>, Index x) {
+      const auto smoothed = [=](LineOf<T> in, Sample weight) {
+        return DotPairs(PairAt<n>(in + x, 1), weight, Load<n>(in + x), 2 * weight);
+      };
+      mixAt(x, smoothed(r, mix.red) + smoothed(b, mix.blue));
+    });
   }
 
   const StageContext& context_;
@@ -68,8 +91,8 @@ class RamenToYmix final : public Stage {
   const Input<Sample> luminance_;
   const Input<T> red_;
   const Input<T> blue_;
-  const Output<Sample> mixed_{*this, kMixed};
-  const Output<Sample> enhanced_{*this, kEnhanced};
+  const Output<Sample> mixed_;
+  const Output<Sample> enhanced_;
 };
 
 }  // namespace deimg::DEIMG_LEVEL

@@ -7,6 +7,7 @@
 #ifndef DEIMG_STAGES_LUMA_VER_LPF_FOR_A_FILTER_INL_H
 #define DEIMG_STAGES_LUMA_VER_LPF_FOR_A_FILTER_INL_H
 
+#include "line/lanes-inl.h"
 #include "stages/colour/white_balance-inl.h"
 
 namespace deimg::DEIMG_LEVEL {
@@ -18,14 +19,14 @@ class VerLpfForAFilter final : public Stage {
 
   VerLpfForAFilter(const StageContext& context, WhiteBalance<T>& mosaic)
       : Stage(InfoOf(TypeId::kVerLpfForAFilter), context.size(), {&mosaic}),
-        selector_(context.filters().verLpfKernelSelect),
-        mosaic_(*this, mosaic, WhiteBalance<T>::kMosaic) {}
+        kernel_(KernelOf(context.filters().verLpfKernelSelect)),
+        mosaic_(*this, mosaic, WhiteBalance<T>::kMosaic),
+        lowPassed_(*this, kLowPassed, LowPassedRange(mosaic_.range())) {
+    this->template Needs<T>(mosaic_.range() + mosaic_.range());
+  }
 
   /// 96 for a kernel that does not exist.
   [[nodiscard]] Result Prepare() override {
-    for (const Kernel& kernel : kKernels) {
-      if (kernel.selector == selector_) kernel_ = &kernel;
-    }
     return kernel_ != nullptr ? DEIMG_OK : DEIMG_UNSUPPORTED;
   }
 
@@ -40,6 +41,20 @@ class VerLpfForAFilter final : public Stage {
       {24, 0, -2, 8, 20}, {26, 0, -4, 8, 24}, {28, 0, 0, 8, 16},
   };
 
+  static const Kernel* KernelOf(int selector) {
+    for (const Kernel& kernel : kKernels) {
+      if (kernel.selector == selector) return &kernel;
+    }
+    return nullptr;
+  }
+
+  Range LowPassedRange(Range m) const {
+    if (kernel_ == nullptr) return Exactly(0);
+    const Range site = kernel_->t3 * m + kernel_->t1 * (m + m);
+    const Range between = kernel_->t2 * (m + m) + kernel_->t0 * (m + m);
+    return Either(site, between) / 4;
+  }
+
   void ComputeLine(int o) override {
     const SevenLines<T> in = mosaic_.Around(o);
     const T* const* const l = in.line;
@@ -50,20 +65,21 @@ class VerLpfForAFilter final : public Stage {
   /// `own` is the parity of the columns that hold the low-passed sites themselves.
   template <int own>
   static void FilterLine(LineOf<T> u3, LineOf<T> u2, LineOf<T> u1, LineOf<T> m, LineOf<T> d1,
-                         LineOf<T> d2, LineOf<T> d3, const Kernel& k, int width, MutableLine out) {
+                         LineOf<T> d2, LineOf<T> d3, const Kernel& k, int width,
+                         MutableLineOf<T> out) {
     const Sample t0 = k.t0, t1 = k.t1, t2 = k.t2, t3 = k.t3;
-    ColumnOf<Sample> column = 0;
-    for (Index x = 0; x < width; ++x, ++column) {
-      const Sample site = t3 * m[x] + t1 * (u2[x] + d2[x]);
-      const Sample between = t2 * (u1[x] + d1[x]) + t0 * (u3[x] + d3[x]);
-      out[x] = ByParity<Sample>(column, own == 0 ? site : between, own == 0 ? between : site) / 4;
-    }
+    ForColumns<T>(0, width, [=]<int n>(LaneCount<n>, Index x) {
+      const auto pair = [&](LineOf<T> u, LineOf<T> d) { return Load<n>(u + x) + Load<n>(d + x); };
+      const auto site = Narrowed(Quotient<2>(DotPairs(Load<n>(m + x), t3, pair(u2, d2), t1)));
+      const auto between = Narrowed(Quotient<2>(DotPairs(pair(u1, d1), t2, pair(u3, d3), t0)));
+      Store(out + x,
+            own == 0 ? ByColumnParity(x, site, between) : ByColumnParity(x, between, site));
+    });
   }
 
-  const int selector_;
-  const Kernel* kernel_ = nullptr;
+  const Kernel* const kernel_;
   const Input<T> mosaic_;
-  const Output<Sample> lowPassed_{*this, kLowPassed};
+  const Output<T> lowPassed_;
 };
 
 }  // namespace deimg::DEIMG_LEVEL

@@ -18,38 +18,55 @@
 
 namespace deimg::DEIMG_LEVEL {
 
+template <typename T>
 class YMainProcs final : public Stage {
  public:
   enum Port { kLuminance };
 
-  template <typename T>
-  YMainProcs(const StageContext& context, RamenToYmix<T>& mix, ColorSystemProc& chroma,
-             HApcProcs& hApc, RApcProcs<T>& rApc, VApcProcs<T>& vApc, AApcProcs& aApc)
+  YMainProcs(const StageContext& context, RamenToYmix<T>& mix, ColorSystemProc<T>& chroma,
+             HApcProcs<T>& hApc, RApcProcs<T>& rApc, VApcProcs<T>& vApc, AApcProcs<T>& aApc)
       : Stage(InfoOf(TypeId::kYMainProcs), context.size(),
-              {&mix, &chroma, &hApc, &rApc, &vApc, &aApc}),
+              {&mix, &chroma, &hApc, &rApc, &vApc, &aApc}, 2),
         context_(context),
+        gainStatus_(MakeDetailGain(context.details().gain, context.settings.isoClass, gain_)),
         mix_(*this, mix, RamenToYmix<T>::kMixed),
-        cr_(*this, chroma, ColorSystemProc::kCr),
-        cb_(*this, chroma, ColorSystemProc::kCb),
-        hShort_(*this, hApc, HApcProcs::kShort),
-        hLong_(*this, hApc, HApcProcs::kLong),
+        cr_(*this, chroma, ColorSystemProc<T>::kCr),
+        cb_(*this, chroma, ColorSystemProc<T>::kCb),
+        hShort_(*this, hApc, HApcProcs<T>::kShort),
+        hLong_(*this, hApc, HApcProcs<T>::kLong),
         r_(*this, rApc, RApcProcs<T>::kDetail),
         v_(*this, vApc, VApcProcs<T>::kDetail),
-        a_(*this, aApc, AApcProcs::kDetail) {}
+        a_(*this, aApc, AApcProcs<T>::kDetail) {
+    if (full() && context.settings.toneIndex) {
+      correction_ = CorrectionOf(context.tuning.chromaCorrection[*context.settings.toneIndex]);
+    }
+    const Range sum = hShort_.range() + hLong_.range() + r_.range() + v_.range() + a_.range();
+    this->template Needs<T>(sum);
+    this->template Needs<T>(gain_.range());
+    const Range cr = cr_.range() - Exactly(correction_.threshold);
+    const Range cb = cb_.range() - Exactly(correction_.threshold);
+    const Range excess = Exactly(correction_.gainCr) * Clamped(cr, 0, kAnything.high) +
+                         Exactly(correction_.gainCb) * Clamped(cb, 0, kAnything.high);
+    this->template Needs<T>(Exactly(correction_.threshold));
+    this->template Needs<T>(cr);
+    this->template Needs<T>(cb);
+    this->template Needs<T>(Exactly(correction_.gainCr));
+    this->template Needs<T>(Exactly(correction_.gainCb));
+    this->template Needs<T>(2 * luminance_.range() - excess / 16 + Exactly(1));
+  }
 
   /// 96 for a code or tone level that does not exist, 3 without memory for the tone curve.
   [[nodiscard]] Result Prepare() override {
     const DevelopSettings& settings = context_.settings;
-    DEIMG_RETURN_IF_FAILED(MakeDetailGain(context_.details().gain, settings.isoClass, gain_));
-    if (!settings.fullProcessing()) return DEIMG_OK;
+    DEIMG_RETURN_IF_FAILED(gainStatus_);
+    if (!full()) return DEIMG_OK;
     if (!settings.toneIndex) return DEIMG_UNSUPPORTED;
-    toneTable_ = BlockOf<std::int16_t>::Zeroed(kHighestLuminance + 1);
+    toneTable_ = BlockOf<T>::Zeroed(kHighestLuminance + 1);
     if (!toneTable_) return DEIMG_OUT_OF_MEMORY;
     const auto& curve = context_.tuning.luminanceTone[*settings.toneIndex][settings.isoClass];
     for (int i = 0; i <= kHighestLuminance; ++i) {
-      toneTable_.get()[i] = static_cast<std::int16_t>(LuminanceToneCurve(i, curve));
+      toneTable_.get()[i] = static_cast<T>(LuminanceToneCurve(i, curve));
     }
-    correction_ = CorrectionOf(context_.tuning.chromaCorrection[*settings.toneIndex]);
     return DEIMG_OK;
   }
 
@@ -72,66 +89,93 @@ class YMainProcs final : public Stage {
             .gainCb = gain(tuning.blueGain, tuning.blueShift)};
   }
 
+  bool full() const { return context_.settings.fullProcessing(); }
+
   void ComputeLine(int o) override {
-    Sample* const out = luminance_[o];
-    const bool full = context_.settings.fullProcessing();
-    if (!full || context_.settings.quick()) {
-      ScaleLine(mix_[o], width(), out);
+    if (!full()) return ScaleLine(mix_[o], width(), luminance_[o]);
+    T* const y = Scratch<T>(0);
+    if (context_.settings.quick()) {
+      ScaleLine(mix_[o], width(), y);
     } else {
-      AddDetailLine(mix_[o], hShort_[o], hLong_[o], r_[o], v_[o], a_[o], gain_, width(), out);
+      T* const level = Scratch<T>(1);
+      LevelLine(mix_[o], width(), level);
+      AddDetailLine(mix_[o], level, hShort_[o], hLong_[o], r_[o], v_[o], a_[o], gain_, width(), y);
     }
-    if (!full) return;
-    LookUpLine(toneTable_.get(), width(), out);
-    CorrectLine(cr_[o], cb_[o], correction_, width(), out);
+    LookUpLine(toneTable_.get(), y, width(), y);
+    CorrectLine(y, cr_[o], cb_[o], correction_, width(), luminance_[o]);
   }
 
   /// y / 8, clipped.
-  static void ScaleLine(Line y, int width, MutableLine out) {
-    for (Index x = 0; x < width; ++x) out[x] = ClampedQuotient(y[x], 3, 0, kHighestLuminance);
+  static void ScaleLine(Line y, int width, MutableLineOf<T> out) {
+    ForColumns<T>(0, width, [=]<int n>(LaneCount<n>, Index x) {
+      Store(out + x, Scaled(LoadSums<n, T>(y + x)));
+    });
+  }
+  template <int n>
+  DEIMG_INLINE static Lanes<T, n> Scaled(Sums<T, n> y) {
+    return Clamp(Narrowed(y >> 3), 0, kHighestLuminance);
   }
 
-  /// Adds the details, weighted by level.
-  static void AddDetailLine(Line y, Line hShort, Line hLong, Line r, Line v, Line a,
-                            const DetailGain& gain, int width, MutableLine out) {
-    const Sample rise = gain.rise, riseEnd = gain.riseEnd;
-    const Sample hold = gain.hold, holdEnd = gain.holdEnd;
-    const Sample fall = gain.fall, end = gain.end, negativeScale = gain.negativeScale;
-    const auto enhanced = [&](Index x, Sample brightness, int shift) {
-      const Sample level = ClampedQuotient(brightness, shift, 0, kHighestLevel);
-      const Sample falling = Max(end - level, 0) * fall;
-      const Sample weight = level < riseEnd ? level * rise : level < holdEnd ? hold : falling;
-      const Sample detail = weight * (hShort[x] + hLong[x] + r[x] + v[x] + a[x]) / kChromaGainOne;
-      const Sample sum = y[x] + (detail < 0 ? detail * negativeScale / kGainOne : detail);
-      return ClampedQuotient(sum, 3, 0, kHighestLuminance);
-    };
-    const Index ends[] = {0, 1, width - 3, width - 2, width - 1};
-    for (const Index x : ends) out[x] = enhanced(x, y[x], 6);
-    for (Index x = 2; x < width - 3; ++x) {
-      out[x] = enhanced(x, y[x - 2] + y[x + 2] + 2 * (y[x - 1] + y[x] + y[x + 1]), 9);
+  /// The brightness level around each column, 0 to kHighestLevel.
+  static void LevelLine(Line y, int width, MutableLineOf<T> level) {
+    constexpr auto levelOf = [](auto brightness) { return Clamp(brightness, 0, kHighestLevel); };
+    ForColumns<T>(2, width - 3, [=]<int n>(LaneCount<n>, Index x) {
+      constexpr int m = Sums<T, n>::kHalf;
+      const auto around = [&](Index c) {
+        const auto at = [&](Index distance) { return Load<m>(y + c + distance); };
+        return (at(-2) + at(2) + ((at(-1) + at(0) + at(1)) << 1)) >> 9;
+      };
+      Store(level + x, levelOf(NarrowedInOrder<T, n>(around(x), around(x + n - m))));
+    });
+    for (const int x : {0, 1, width - 3, width - 2, width - 1}) {
+      level[x] = levelOf(Lanes<T, 1>{Nearest<T>(y[x] >> 6)}).v;
     }
   }
 
-  /// In place: lowers the luminance where a colour difference exceeds the threshold.
-  static void CorrectLine(Line cr, Line cb, const Correction& correction, int width,
-                          MutableLine y) {
-    const Sample threshold = correction.threshold;
-    const Sample gainCr = correction.gainCr, gainCb = correction.gainCb;
-    for (Index x = 0; x < width; ++x) {
-      const Sample excessCr = Max(0, cr[x] - threshold);
-      const Sample excessCb = Max(0, cb[x] - threshold);
-      const Sample twice = 2 * y[x] - (excessCr * gainCr + excessCb * gainCb) / 16 + 1;
-      y[x] = ClampedQuotient(twice, 1, 0, kHighestLuminance);
-    }
+  /// Adds the details to the luminance, weighted by level, and scales it.
+  static void AddDetailLine(Line y, LineOf<T> level, LineOf<T> hShort, LineOf<T> hLong, LineOf<T> r,
+                            LineOf<T> v, LineOf<T> a, const DetailGain& gain, int width,
+                            MutableLineOf<T> out) {
+    const auto rise = static_cast<T>(gain.rise), fall = static_cast<T>(gain.fall);
+    const Sample negativeScale = gain.negativeScale;
+    ForColumns<T>(0, width, [=]<int n>(LaneCount<n>, Index x) {
+      using L = Lanes<T, n>;
+      const auto all = [](Sample value) { return L::All(static_cast<T>(value)); };
+      const L i = Load<n>(level + x);
+      const L falling = Max(all(gain.end) - i, all(0)) * fall;
+      const L weight = Select(i < all(gain.riseEnd), i * rise,
+                              Select(i < all(gain.holdEnd), all(gain.hold), falling));
+      const L sum = Load<n>(hShort + x) + Load<n>(hLong + x) + Load<n>(r + x) + Load<n>(v + x) +
+                    Load<n>(a + x);
+      const auto detail = Quotient<7>(Products(weight, sum));
+      const auto darker = Quotient<10>(detail * negativeScale);
+      Store(out + x, Scaled(LoadSums<n, T>(y + x) + BySign(detail, darker, detail)));
+    });
+  }
+
+  /// Lowers the luminance where a colour difference exceeds the threshold.
+  static void CorrectLine(LineOf<T> y, LineOf<T> cr, LineOf<T> cb, const Correction& correction,
+                          int width, MutableLineOf<T> out) {
+    ForColumns<T>(0, width, [=]<int n>(LaneCount<n>, Index x) {
+      using L = Lanes<T, n>;
+      const L zero = L::All(0), threshold = L::All(static_cast<T>(correction.threshold));
+      const L excessCr = Max(zero, Load<n>(cr + x) - threshold);
+      const L excessCb = Max(zero, Load<n>(cb + x) - threshold);
+      const auto products = DotPairs(excessCr, correction.gainCr, excessCb, correction.gainCb);
+      const L twice = (Load<n>(y + x) << 1) - Narrowed(Quotient<4>(products)) + L::All(1);
+      Store(out + x, Clamp(twice >> 1, 0, kHighestLuminance));
+    });
   }
 
   const StageContext& context_;
   DetailGain gain_{};
+  const Result gainStatus_;
   Correction correction_{};
-  BlockOf<std::int16_t> toneTable_;
+  BlockOf<T> toneTable_;
   const Input<Sample> mix_;
-  const Input<Sample> cr_, cb_;
-  const Input<Sample> hShort_, hLong_, r_, v_, a_;
-  const Output<Sample> luminance_{*this, kLuminance};
+  const Input<T> cr_, cb_;
+  const Input<T> hShort_, hLong_, r_, v_, a_;
+  const Output<T> luminance_{*this, kLuminance, {0, kHighestLuminance}};
 };
 
 }  // namespace deimg::DEIMG_LEVEL
