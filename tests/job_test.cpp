@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include "api/thumbnail.h"
+#include "pipeline/development.h"
+#include "pipeline/levels.h"
 #include "support/streams.h"
 
 namespace deimg {
@@ -55,6 +57,36 @@ TEST(Job, LooksAtProgressWheneverItReports) {
         EXPECT_EQ(DEImg_DevelopM480(input.get(), flags, 4, nullptr, output.get()), DEIMG_OK);
         const bool last = !output.reports.empty() && output.reports.back() == 100;
         EXPECT_EQ(last, gives && at != Op::kProgress) << flags << static_cast<int>(at);
+      }
+    }
+  }
+}
+
+TEST(Job, HasNarrowLinesWithNaturalFiles) {
+  CallerStream plane{};
+  for (const char* const name : {"/coffee.raw", "/landscape.raw", "/chart.raw"}) {
+    InputStream input(testing::ReadFileBytes(std::string(DEIMG_SAMPLES) + name));
+    ImagePropsBlock block;
+    ImageProps props{};
+    ASSERT_EQ(ReadImagePropsBlock(*input.get(), block), DEIMG_OK);
+    ASSERT_EQ(pxfPsReadOpenImageProps(block, props), DEIMG_OK);
+    const ImageGeometry geometry = DeriveGeometry(props.sensor);
+    for (const int set : {DEIMG_AS_RECORDED, 0, 1, -1}) {
+      for (int preset = 0; preset < DEIMG_WB_GAINS; ++preset) {
+        for (const int level : {-1, 0, 1}) {
+          DevelopParams params{};
+          params.filled = 1;
+          params.processingSet = static_cast<std::int16_t>(set);
+          params.wbPreset = static_cast<std::int16_t>(preset);
+          params.toneLevel = params.colourLevel = params.matrixLevel =
+              static_cast<std::int16_t>(level);
+          params.exposureAdjust = static_cast<std::int16_t>(20 * level);
+          Development development;
+          ASSERT_EQ(development.Derive(params, props), DEIMG_OK);
+          const GraphOwner graph =
+              ChosenLevel().code.makeNarrowGraph(plane, development.ContextOf(geometry), 1);
+          EXPECT_TRUE(graph->RangesFit()) << name << " set " << set << " preset " << preset;
+        }
       }
     }
   }

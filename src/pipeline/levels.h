@@ -16,7 +16,7 @@ namespace deimg {
 
 /// What a level's source hands out.
 struct LevelCode {
-  /// Makes a graph whose mosaic has narrow samples (see line.h), and one for any gains.
+  /// Makes a graph whose lines have 16 bits, to be used if its ranges fit, and one of 32-bit lines.
   using Factory = GraphOwner (*)(CallerStream& plane, const StageContext& context,
                                  int outputSampleBytes);
   Factory makeNarrowGraph;
@@ -31,8 +31,7 @@ struct Level {
 
   const PlaneLines& planeLines() const { return code.planeLines; }
 
-  /// The graph for these settings: narrow wherever the white balance allows it; null when memory is
-  /// short.
+  /// The graph for these settings: narrow when all its ranges fit; null when memory is short.
   [[nodiscard]] GraphOwner MakeGraph(CallerStream& plane, const StageContext& context,
                                      int outputSampleBytes) const;
 };

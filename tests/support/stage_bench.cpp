@@ -62,20 +62,8 @@ StageBench::StageBench(int width, unsigned seed) : random(seed) {
   ToLittleEndian(raw, static_cast<std::size_t>(width * kHeight));
 }
 
-void StageBench::Randomise(bool hostile, bool narrow) {
-  const auto any = [&] { return static_cast<std::uint16_t>(random()); };
-  const auto small = [&](int low, int high) {
-    return static_cast<std::int16_t>(Random(low, high));
-  };
-  tuning = rawfile::RandomCamera(random(), {.maxWidth = 16, .maxHeight = 8}).properties.tuning;
-  if (hostile) {
-    auto words = std::bit_cast<TuningBlock::Words>(tuning);
-    for (std::uint16_t& word : words) {
-      if (Random(0, narrow ? 299 : 11) == 0) word = any();
-    }
-    tuning = std::bit_cast<TuningBlock>(words);
-  }
-  const auto level = [&] { return small(-1, 1); };
+void StageBench::RandomiseSettings() {
+  const auto level = [&] { return static_cast<std::int16_t>(Random(-1, 1)); };
   const int set = Random(0, 3);
   settings = {};
   settings.matrixSelect = static_cast<std::uint16_t>(std::max(Random(-4, 2), 0));
@@ -85,17 +73,52 @@ void StageBench::Randomise(bool hostile, bool narrow) {
   settings.toneLevel = level();
   settings.toneIndex = static_cast<std::size_t>(settings.toneLevel + 1);
   settings.isoClass = static_cast<std::size_t>(Random(0, 4));
-  settings.exposureAdjust = small(-1, 1) == 0 ? small(-20, 20) : std::int16_t{0};
-  for (std::int32_t& gain : settings.wbGains) gain = Random(0, hostile ? 32767 : 4000);
+  settings.exposureAdjust =
+      level() == 0 ? static_cast<std::int16_t>(Random(-20, 20)) : std::int16_t{0};
+}
+
+void StageBench::RandomiseTuning(bool hostile, bool narrow) {
+  const auto any = [&] { return static_cast<std::uint16_t>(random()); };
+  const auto small = [&](int low, int high) {
+    return static_cast<std::int16_t>(Random(low, high));
+  };
+  tuning = rawfile::RandomCamera(random(), {.maxWidth = 16, .maxHeight = 8}).properties.tuning;
+  if (narrow) {  // so that curves and their sum, and the correction, have 16 bits
+    for (DetailTuning& detail : tuning.details) {
+      for (ApcCurveParams* curve :
+           {&detail.hApcShort, &detail.hApcLong, &detail.vApc, &detail.rApc, &detail.aApc}) {
+        curve->knee1 = small(0, 200);
+        curve->knee2 = small(0, 400);
+        for (std::int16_t& code : curve->slopeCode) code = small(0, 5);
+        for (std::int16_t& offset : curve->offset) offset = small(-50, 50);
+      }
+    }
+    for (ChromaCorrectionTuning& correction : tuning.chromaCorrection) {
+      correction.redShift = correction.blueShift = static_cast<std::uint16_t>(Random(0, 1));
+    }
+  }
+  if (hostile) {
+    auto words = std::bit_cast<TuningBlock::Words>(tuning);
+    for (std::uint16_t& word : words) {
+      if (Random(0, narrow ? 299 : 11) == 0) word = any();
+    }
+    tuning = std::bit_cast<TuningBlock>(words);
+  }
   const auto fill = [&](auto& values, int low, int high) {
     for (auto& v : values)
       v = hostile && !narrow ? static_cast<std::int16_t>(any()) : small(low, high);
   };
   tables = {};
-  fill(tables.colourMatrix, -1200, 1200);
+  for (std::int32_t& gain : settings.wbGains) gain = Random(0, hostile ? 32767 : 4000);
+  fill(tables.colourMatrix, narrow ? -500 : -1200, narrow ? 500 : 1200);
   fill(tables.colourOffsets, -40, 40);
   fill(tables.colourGains, 0, 200);
-  fill(tables.luminanceWeights, 0, 250);
+  fill(tables.luminanceWeights, 0, narrow ? 80 : 250);
+  if (hostile && narrow && Random(0, 3) == 0) {
+    // Detail far beyond what the curves hold, in a graph whose mixed luminance is narrow.
+    for (FilterTuning& filters : tuning.filters) filters.detailGainLow = any();
+    tables.luminanceWeights[1] = 0;
+  }
   tables.chromaGainCb = small(60, 200);
   tables.chromaGainCr = hostile && !narrow ? static_cast<std::int16_t>(any()) : small(60, 200);
 }
@@ -103,8 +126,9 @@ void StageBench::Randomise(bool hostile, bool narrow) {
 void StageBench::StartAnywhere(const Level& level, bool hostile, bool narrow, int line) {
   const auto make = narrow ? level.code.makeNarrowGraph : level.code.makeWideGraph;
   Result result;
-  do {  // until no stage refuses its settings, and narrow samples hold what they have to
-    Randomise(hostile, narrow);
+  RandomiseSettings();
+  do {  // until no stage refuses its tuning, and narrow samples hold what they have to
+    RandomiseTuning(hostile, narrow);
     if (!narrow && hostile) {
       for (std::int32_t& gain : settings.wbGains) gain = static_cast<std::int32_t>(random());
     }

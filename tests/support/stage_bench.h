@@ -39,7 +39,8 @@ class StageBench {
   MemoryStream plane;
 
  private:
-  void Randomise(bool hostile, bool narrow);
+  void RandomiseSettings();
+  void RandomiseTuning(bool hostile, bool narrow);
   Sample RandomSample(const ComponentPort& port);
   int Random(int low, int high) { return std::uniform_int_distribution<int>(low, high)(random); }
   template <typename Function>

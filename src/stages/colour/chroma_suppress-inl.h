@@ -35,6 +35,7 @@ class ChromaSuppress final : public Stage {
         blue_(*this, planes, HokanVH<T>::kBlue),
         cr_(*this, kFirstDifference, SuppressedRange(crIn_.range(), gainCr_)),
         cb_(*this, kSecondDifference, SuppressedRange(cbIn_.range(), gainCb_)) {
+    for (const Range in : {crIn_.range(), cbIn_.range()}) this->template Needs<T>(Magnitude(in));
     this->template Needs<T>(red_.range() + red_.range());
     this->template Needs<T>(blue_.range() + blue_.range());
     for (const Sample gain : {gainCr_, gainCb_}) {

@@ -1,5 +1,7 @@
 #include "stages/luma/detail_gain.h"
 
+#include <algorithm>
+
 #include "base/rounding.h"
 
 namespace deimg {
@@ -20,13 +22,15 @@ Result MakeDetailGain(const DetailGainTuning& tuning, std::size_t isoClass, Deta
   constexpr Sample kEnd[] = {1024, 800, 832, 864, 896, 928, 960, 992};
   if (tuning.riseCode > 3 || tuning.fallCode > 3 || tuning.endCode > 7) return DEIMG_UNSUPPORTED;
   const Sample peak = 16 * tuning.peak[isoClass];
+  // Bounds outside the levels have the effect of the nearest one.
+  const auto level = [](Sample bound) { return std::clamp(bound, 0, kHighestLevel + 1); };
   gain.rise = kRise[tuning.riseCode];
-  gain.riseEnd = gain.rise != 0 ? peak / gain.rise : 0;
+  gain.riseEnd = gain.rise != 0 ? level(peak / gain.rise) : 0;
   gain.hold = Low16(peak);
   gain.fall = kFall[tuning.fallCode];
   gain.end = kEnd[tuning.endCode];
   // Where the fall starts is rounded toward zero: up, where a high peak puts it below zero.
-  gain.holdEnd = gain.fall != 0 ? (gain.end * gain.fall - peak) / gain.fall : kHighestLevel;
+  gain.holdEnd = gain.fall != 0 ? level((gain.end * gain.fall - peak) / gain.fall) : kHighestLevel;
   gain.negativeScale = NegativeScale(tuning.negativeModeA, tuning.negativeModeB);
   return gain.negativeScale < 0 ? Result{DEIMG_UNSUPPORTED} : Result{DEIMG_OK};
 }
