@@ -45,7 +45,8 @@ struct Parts {
     DevelopParams params{};
     params.toneLevel = params.matrixLevel = params.colourLevel = params.wbPreset = -10;
     params.processingSet = static_cast<std::int16_t>(processingSet);
-    if (GraphBuilder(ChosenLevel(), *plane.get(), geometry, params, props, 1, output) != 0) {
+    if (GraphBuilder(ChosenLevel(), {*plane.get(), plane.samples()}, geometry, params, props, 1,
+                     output) != 0) {
       std::abort();
     }
   }

@@ -28,7 +28,8 @@ struct StartedGraph {
     tuning = TuningBlock::Load(props.tuningBlock);
     plane = MemoryStream::Make(scene.mosaic.size() * 2);
     std::memcpy(plane.memory(), scene.mosaic.data(), scene.mosaic.size() * 2);
-    graph = ChosenLevel().MakeGraph(*plane.get(), {settings, tables, tuning, geometry}, 1);
+    graph = ChosenLevel().MakeGraph({*plane.get(), plane.samples()},
+                                    {settings, tables, tuning, geometry}, 1);
     if (graph->Find(TypeId::kLastStageRgb)->Start(scene.height / 2) != 0) std::abort();
   }
   ImageProps props{};

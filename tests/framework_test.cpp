@@ -109,7 +109,7 @@ TEST(ProcessingGraph, IsWiredAsTheTablesSay) {
   geometry.sensorWidth = geometry.sensorHeight = geometry.areaWidth = geometry.areaHeight = 16;
   const MemoryStream plane = MemoryStream::Make(2 * 16 * 16);
   const GraphOwner graph =
-      BestLevel("").code.makeNarrowGraph(*plane.get(), {{}, {}, {}, geometry}, 2);
+      BestLevel("").code.makeNarrowGraph({*plane.get()}, {{}, {}, {}, geometry}, 2);
   graph->Find(TypeId::kLastStageRgb)->ComputeContext(0);
   const std::map<TypeId, int> margins = {{TypeId::kSourceStreamReader, 8},
                                          {TypeId::kWhiteBalance, 8},

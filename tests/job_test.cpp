@@ -84,7 +84,7 @@ TEST(Job, HasNarrowLinesWithNaturalFiles) {
           Development development;
           ASSERT_EQ(development.Derive(params, props), DEIMG_OK);
           const GraphOwner graph =
-              ChosenLevel().code.makeNarrowGraph(plane, development.ContextOf(geometry), 1);
+              ChosenLevel().code.makeNarrowGraph({plane}, development.ContextOf(geometry), 1);
           EXPECT_TRUE(graph->RangesFit()) << name << " set " << set << " preset " << preset;
         }
       }

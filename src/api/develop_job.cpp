@@ -26,7 +26,7 @@ Result DevelopJob::Run() {
   DEIMG_RETURN_IF_FAILED(BalanceFromPoint());
   if (kind_.quick) ForceQuickSettings(params_);
   if (!kind_.reduced) {
-    return Develop(planeInMemory_, plane(), geometry_, format_.sampleBytes, output_);
+    return Develop(planeInMemory_, sensorPlane(), geometry_, format_.sampleBytes, output_);
   }
   DEIMG_RETURN_IF_FAILED(ReducePlane());
   return kind_.thumbnail ? DevelopThumbnail() : DevelopReduced(output_);
@@ -100,7 +100,8 @@ Result DevelopJob::ReducePlane() {
 }
 
 Result DevelopJob::DevelopReduced(CallerStream& output) {
-  return Develop(previewPlanes_, *previewPlanes_.get(), reduced_, 1, output);
+  return Develop(previewPlanes_, {*previewPlanes_.get(), previewPlanes_.samples()}, reduced_, 1,
+                 output);
 }
 
 void DevelopJob::OfferBands(const MemoryStream& plane, const ImageGeometry& geometry,
@@ -111,7 +112,7 @@ void DevelopJob::OfferBands(const MemoryStream& plane, const ImageGeometry& geom
   bands_->Offer(level_, plane, geometry, params, props_, sampleBytes);
 }
 
-Result DevelopJob::Develop(const MemoryStream& planeInMemory, CallerStream& plane,
+Result DevelopJob::Develop(const MemoryStream& planeInMemory, const SensorPlane& plane,
                            const ImageGeometry& geometry, int sampleBytes, CallerStream& output) {
   if (bands_ && planeInMemory) {
     if (!bands_->isOffered()) OfferBands(planeInMemory, geometry, sampleBytes);

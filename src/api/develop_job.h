@@ -7,13 +7,13 @@
 #include "api/job_kinds.h"
 #include "api/thumbnail.h"
 #include "base/result.h"
-#include "decode/sensor_plane.h"
 #include "pipeline/bands.h"
 #include "pipeline/levels.h"
 #include "props/image_geometry.h"
 #include "props/image_props.h"
 #include "storage/file_stream.h"
 #include "storage/memory_stream.h"
+#include "storage/sensor_plane.h"
 
 namespace deimg {
 
@@ -37,7 +37,7 @@ class DevelopJob {
   [[nodiscard]] Result ReducePlane();
   [[nodiscard]] Result DevelopReduced(CallerStream& output);
   /// `planeInMemory` is empty when the plane is in a file.
-  [[nodiscard]] Result Develop(const MemoryStream& planeInMemory, CallerStream& plane,
+  [[nodiscard]] Result Develop(const MemoryStream& planeInMemory, const SensorPlane& plane,
                                const ImageGeometry& geometry, int sampleBytes,
                                CallerStream& output);
   [[nodiscard]] Result DevelopThumbnail();

@@ -31,10 +31,8 @@ class CodedSize {
   /// bits give 0. `next` holds the stream's next bits from the top down.
   std::int16_t DifferenceBehind(std::uint64_t next) const {
     const std::uint64_t bits = next << codeBits_;
-    // A negative difference is the complement of its magnitude.
     const std::uint64_t negative = (bits >> 63) - 1;  // all ones, or 0
-    const std::uint64_t magnitude = (bits ^ negative) >> 1 >> otherBits_;
-    return static_cast<std::int16_t>((magnitude ^ negative) - negative);
+    return static_cast<std::int16_t>((bits >> 1 >> otherBits_) - (negative >> 1 >> otherBits_));
   }
   /// Positions to move on by, or one of the constants.
   std::uint32_t advance() const { return advance_; }

@@ -8,9 +8,9 @@
 #include "base/result.h"
 #include "decode/coded_data_reader.h"
 #include "decode/plane_lines.h"
-#include "decode/sensor_plane.h"
 #include "props/image_geometry.h"
 #include "storage/mem_block.h"
+#include "storage/sensor_plane.h"
 
 namespace deimg {
 

@@ -6,8 +6,8 @@
 
 #include "base/result.h"
 #include "decode/plane_lines.h"
-#include "decode/sensor_plane.h"
 #include "props/image_geometry.h"
+#include "storage/sensor_plane.h"
 
 namespace deimg {
 

@@ -4,9 +4,9 @@
 
 #include "base/result.h"
 #include "decode/plane_lines.h"
-#include "decode/sensor_plane.h"
 #include "props/image_geometry.h"
 #include "props/image_props.h"
+#include "storage/sensor_plane.h"
 
 namespace deimg {
 

@@ -34,16 +34,14 @@ Result ComponentX::Connect(ComponentX& input) {
 
 Result ComponentX::AllocateBuffers() {
   if (buffersReady_) return DEIMG_OK;
-  for (auto& slot : ports_) {
-    if (slot) DEIMG_RETURN_IF_FAILED(slot->Allocate(margin_ + 1));
-  }
+  for (auto& port : ports()) DEIMG_RETURN_IF_FAILED(port->Allocate(margin_ + 1));
   buffersReady_ = true;
   return DEIMG_OK;
 }
 
 Result ComponentX::Rotate() {
-  for (auto& slot : ports_) {
-    if (slot && slot->Rotate() == nullptr) return DEIMG_MISSING;
+  for (auto& port : ports()) {
+    if (port->Rotate() == nullptr) return DEIMG_MISSING;
   }
   ++currentLine_;
   return DEIMG_OK;
@@ -51,9 +49,7 @@ Result ComponentX::Rotate() {
 
 Result ComponentX::ResetRings() {
   DEIMG_RETURN_IF_FAILED(AllocateBuffers());
-  for (auto& slot : ports_) {
-    if (slot) slot->Reset();
-  }
+  for (auto& port : ports()) port->Reset();
   return DEIMG_OK;
 }
 

@@ -132,6 +132,10 @@ class ComponentX {
   bool rangesFit_ = true;
 
  private:
+  std::span<std::optional<ComponentPort>> ports() {
+    return std::span(ports_).first(static_cast<std::size_t>(info_.portCount));
+  }
+
   const ComponentInfo& info_;
   const PlaneSize size_;
   const int sampleBytes_;

@@ -103,6 +103,7 @@ DEIMG_INLINE static Lanes<T, n> WithSignOf(Lanes<T, n> v, Lanes<T, n> magnitude)
 }
 template <typename T, int n>
 DEIMG_INLINE static Lanes<T, n> Abs(Lanes<T, n> v) {
+  if constexpr (!kHasSigns && n > 1) return {Magnitudes(v.v)};
   return WithSignOf(v, v);
 }
 

@@ -94,11 +94,11 @@ DEIMG_INLINE static Words InOrder(Words packed) {
                                  15);
 }
 /// Between the order of unpacked vectors and that in memory, both ways.
-DEIMG_INLINE static Longs LowInOrder(Longs low, Longs high) {
-  return __builtin_shufflevector(low, high, 0, 1, 2, 3, 8, 9, 10, 11);
+DEIMG_INLINE static Longs LowInOrder(Longs first, Longs second) {
+  return __builtin_shufflevector(first, second, 0, 1, 2, 3, 8, 9, 10, 11);
 }
-DEIMG_INLINE static Longs HighInOrder(Longs low, Longs high) {
-  return __builtin_shufflevector(low, high, 4, 5, 6, 7, 12, 13, 14, 15);
+DEIMG_INLINE static Longs HighInOrder(Longs first, Longs second) {
+  return __builtin_shufflevector(first, second, 4, 5, 6, 7, 12, 13, 14, 15);
 }
 DEIMG_INLINE static Words PackBytes(Words words) {
   typedef long long Quads __attribute__((vector_size(32)));
@@ -113,7 +113,7 @@ DEIMG_INLINE static Words MultiplyHighUnsigned(Words a, Words b) {
 #endif
 #undef DEIMG_MIN_MAX_OF_WORDS
 
-// Magnitudes with the signs of others, 0 where those are 0.
+// Magnitudes with the signs of others, 0 where those are 0; and magnitudes.
 #if DEIMG_VECTOR_BYTES == 32
 inline constexpr bool kHasSigns = true;
 DEIMG_INLINE static Words WithSigns(Words magnitudes, Words signs) {
@@ -132,6 +132,13 @@ DEIMG_INLINE static Longs WithSigns(Longs magnitudes, Longs signs) {
 }
 #else
 inline constexpr bool kHasSigns = false;
+#if DEIMG_VECTOR_BYTES != 0
+DEIMG_INLINE static Words Magnitudes(Words v) { return MaxOfWords(v, Words{} - v); }
+DEIMG_INLINE static Longs Magnitudes(Longs v) {
+  const Longs negative = v >> 31;  // all ones, or 0
+  return (v ^ negative) - negative;
+}
+#endif
 #endif
 
 }  // namespace deimg::DEIMG_LEVEL

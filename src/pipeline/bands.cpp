@@ -87,7 +87,8 @@ void Bands::Help(int number) {
   {
     const MemoryStream cursor = MemoryStream::Beside(*plane_);
     const GraphOwner graph =
-        cursor ? level_->MakeGraph(*cursor.get(), development_.ContextOf(*geometry_), sampleBytes_)
+        cursor ? level_->MakeGraph({*cursor.get(), plane_->samples()},
+                                   development_.ContextOf(*geometry_), sampleBytes_)
                : nullptr;
     bool fit = graph && graph->LinesAreIndependent();
     while (fit) {

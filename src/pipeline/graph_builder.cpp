@@ -5,7 +5,7 @@
 
 namespace deimg {
 
-Result GraphBuilder(const Level& level, CallerStream& plane, const ImageGeometry& geometry,
+Result GraphBuilder(const Level& level, const SensorPlane& plane, const ImageGeometry& geometry,
                     DevelopParams& params, const ImageProps& props, int sampleBytes,
                     CallerStream& output, Bands* bands) {
   Development development;

@@ -20,7 +20,7 @@ namespace deimg {
 /// @param bands        what other threads develop of the same picture meanwhile; null without them.
 /// @return DEIMG_BAD_TUNING, DEIMG_UNSUPPORTED, DEIMG_OUT_OF_MEMORY, DEIMG_MISSING, or a code of a
 ///         stream.
-[[nodiscard]] Result GraphBuilder(const Level& level, CallerStream& plane,
+[[nodiscard]] Result GraphBuilder(const Level& level, const SensorPlane& plane,
                                   const ImageGeometry& geometry, DevelopParams& params,
                                   const ImageProps& props, int sampleBytes, CallerStream& output,
                                   Bands* bands = nullptr);

@@ -9,7 +9,7 @@
 namespace deimg::DEIMG_LEVEL {
 
 template <typename T>
-static GraphOwner MakeGraph(CallerStream& plane, const StageContext& context,
+static GraphOwner MakeGraph(const SensorPlane& plane, const StageContext& context,
                             int outputSampleBytes) {
   return GraphOwner(new Graph<T>(plane, context, outputSampleBytes));
 }

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -25,6 +26,7 @@
 #include "stages/stage_context.h"
 #include "stages/tone_curves.h"
 #include "storage/mem_block.h"
+#include "storage/sensor_plane.h"
 #include "storage/stream_calls.h"
 
 // A target region: DEIMG_BEGIN_TARGET("avx2") ... DEIMG_END_TARGET. Every function between the two

@@ -29,7 +29,7 @@ constexpr Level kLevels[] = {DEIMG_LEVELS(DEIMG_ROW)};
 
 }  // namespace
 
-GraphOwner Level::MakeGraph(CallerStream& plane, const StageContext& context,
+GraphOwner Level::MakeGraph(const SensorPlane& plane, const StageContext& context,
                             int outputSampleBytes) const {
   GraphOwner narrow = code.makeNarrowGraph(plane, context, outputSampleBytes);
   if (narrow == nullptr || narrow->RangesFit()) return narrow;

@@ -11,13 +11,14 @@
 
 #include "decode/plane_lines.h"
 #include "pipeline/processing_graph.h"
+#include "storage/sensor_plane.h"
 
 namespace deimg {
 
 /// What a level's source hands out.
 struct LevelCode {
   /// Makes a graph whose lines have 16 bits, to be used if its ranges fit, and one of 32-bit lines.
-  using Factory = GraphOwner (*)(CallerStream& plane, const StageContext& context,
+  using Factory = GraphOwner (*)(const SensorPlane& plane, const StageContext& context,
                                  int outputSampleBytes);
   Factory makeNarrowGraph;
   Factory makeWideGraph;
@@ -32,7 +33,7 @@ struct Level {
   const PlaneLines& planeLines() const { return code.planeLines; }
 
   /// The graph for these settings: narrow when all its ranges fit; null when memory is short.
-  [[nodiscard]] GraphOwner MakeGraph(CallerStream& plane, const StageContext& context,
+  [[nodiscard]] GraphOwner MakeGraph(const SensorPlane& plane, const StageContext& context,
                                      int outputSampleBytes) const;
 };
 

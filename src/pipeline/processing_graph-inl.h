@@ -12,7 +12,7 @@ namespace deimg::DEIMG_LEVEL {
 template <typename T>
 class Graph final : public ProcessingGraph {
  public:
-  Graph(CallerStream& plane, const StageContext& context, int outputSampleBytes)
+  Graph(const SensorPlane& plane, const StageContext& context, int outputSampleBytes)
       : ProcessingGraph(context.geometry),
         context_(context),
         source_(context_, plane),

@@ -3,6 +3,7 @@
 #define DEIMG_STAGES_SOURCE_STREAM_READER_INL_H
 
 #include <algorithm>
+#include <bit>
 #include <cstddef>
 
 #include "base/byte_order.h"
@@ -10,23 +11,26 @@
 #include "stages/component_table.h"
 #include "stages/stage_context.h"
 #include "storage/mem_block.h"
+#include "storage/sensor_plane.h"
 #include "storage/stream_calls.h"
 
 namespace deimg::DEIMG_LEVEL {
 
-/// Serves the plane's lines, unsigned 16-bit samples, from a cache of 200 lines that it fills with
-/// large sequential reads. Lines above and below the plane are its first and last line again; of a
-/// plane that is still being filled, no line is read that is not there yet, see ReadBefore(). The
-/// port never receives a ring: a consumer gets the cache's lines, at the offsets runFirst() to
-/// runLast().
+/// Serves the plane's lines, unsigned 16-bit samples: those in memory as they are, others from a
+/// cache of 200 lines that it fills with large sequential reads. Lines above and below the plane
+/// are its first and last line again; of a plane that is still being filled, no line is read that
+/// is not there yet, see ReadBefore(). The port never receives a ring: a consumer gets the plane's
+/// or the cache's lines, at the offsets runFirst() to runLast().
 class SourceStreamReader final : public ComponentX {
  public:
   enum Port { kRaw };
   static constexpr int kCacheLines = 200;
 
-  /// The stream holds sensorHeight lines of sensorWidth unsigned 16-bit little-endian samples.
-  SourceStreamReader(const StageContext& context, CallerStream& plane)
-      : ComponentX(InfoOf(TypeId::kSourceStreamReader), context.size(), 2), plane_(plane) {}
+  SourceStreamReader(const StageContext& context, const SensorPlane& plane)
+      : ComponentX(InfoOf(TypeId::kSourceStreamReader), context.size(), 2),
+        plane_(plane.stream),
+        // Samples in memory are read in place where they have the machine's byte order.
+        inPlace_(std::endian::native == std::endian::little ? plane.samples : nullptr) {}
   ~SourceStreamReader() override {
     if (streamOpen_) (void)Close(plane_);
   }
@@ -36,12 +40,14 @@ class SourceStreamReader final : public ComponentX {
 
   /// Reading the plane may fail: with an error word of the stream, or 39 when it ends too early.
   [[nodiscard]] Result Run(int /*first*/, int /*last*/) override {
+    if (inPlace_ != nullptr) return DEIMG_OK;
     const int top = PlaneLine(runFirst());
     const int bottom = PlaneLine(runLast());
     return top < cacheFirst_ || bottom > cacheLast_ ? Fill(top) : Result{DEIMG_OK};
   }
   [[nodiscard]] Result AllocateBuffers() override { return DEIMG_OK; }
   [[nodiscard]] Result Prepare() override {
+    if (inPlace_ != nullptr) return DEIMG_OK;
     lineCache_ =
         BlockOf<std::uint16_t>::Uninitialised(static_cast<std::uint64_t>(width()) * kCacheLines);
     return lineCache_ ? DEIMG_OK : DEIMG_OUT_OF_MEMORY;
@@ -53,7 +59,9 @@ class SourceStreamReader final : public ComponentX {
 
  private:
   [[nodiscard]] const void* LineAt(int offset, int /*portIndex*/) const override {
-    return lineCache_.get() + std::ptrdiff_t{PlaneLine(offset) - cacheFirst_} * width();
+    const std::ptrdiff_t line = PlaneLine(offset);
+    return inPlace_ != nullptr ? inPlace_ + line * width()
+                               : lineCache_.get() + (line - cacheFirst_) * width();
   }
 
   /// The plane's line that stands for the one at an offset from the current one.
@@ -78,6 +86,7 @@ class SourceStreamReader final : public ComponentX {
   }
 
   CallerStream& plane_;
+  const std::uint16_t* const inPlace_;
   int end_ = height();
   bool streamOpen_ = false;
   int cacheFirst_ = 0;  // the plane's lines in the cache

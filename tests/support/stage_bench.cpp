@@ -132,7 +132,8 @@ void StageBench::StartAnywhere(const Level& level, bool hostile, bool narrow, in
     if (!narrow && hostile) {
       for (std::int32_t& gain : settings.wbGains) gain = static_cast<std::int32_t>(random());
     }
-    graph_ = make(*plane.get(), {settings, tables, tuning, geometry}, 1 + Random(0, 1));
+    graph_ = make({*plane.get(), plane.samples()}, {settings, tables, tuning, geometry},
+                  1 + Random(0, 1));
     Find(TypeId::kLastStageRgb).ComputeContext(kGuardLines);
     result = Find(TypeId::kLastStageRgb).Start(line);
   } while ((hostile && result != DEIMG_OK) || (narrow && !graph_->RangesFit()));

@@ -1,6 +1,6 @@
 /// Where the decoded sensor samples are.
-#ifndef DEIMG_DECODE_SENSOR_PLANE_H
-#define DEIMG_DECODE_SENSOR_PLANE_H
+#ifndef DEIMG_STORAGE_SENSOR_PLANE_H
+#define DEIMG_STORAGE_SENSOR_PLANE_H
 
 #include <cstdint>
 
@@ -23,4 +23,4 @@ struct LinesListener {
 
 }  // namespace deimg
 
-#endif  // DEIMG_DECODE_SENSOR_PLANE_H
+#endif  // DEIMG_STORAGE_SENSOR_PLANE_H
