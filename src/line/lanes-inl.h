@@ -290,7 +290,7 @@ DEIMG_INLINE static Sums<T, n> LoadSums(const Sample* samples) {
     return {{*samples}, {*samples}};
   } else {
     const Longs first = Load<n / 2>(samples).v, second = Load<n / 2>(samples + n / 2).v;
-    return {{LowInOrder(first, second)}, {HighInOrder(first, second)}};
+    return {{UnpackedLow(first, second)}, {UnpackedHigh(first, second)}};
   }
 }
 template <typename T, int n>
@@ -298,8 +298,8 @@ DEIMG_INLINE static void StoreSums(Sample* samples, Sums<T, n> sums) {
   if constexpr (n == 1) {
     *samples = sums.low.v;
   } else {
-    Store(samples, Lanes<Sample, n / 2>{LowInOrder(sums.low.v, sums.high.v)});
-    Store(samples + n / 2, Lanes<Sample, n / 2>{HighInOrder(sums.low.v, sums.high.v)});
+    Store(samples, Lanes<Sample, n / 2>{FirstInOrder(sums.low.v, sums.high.v)});
+    Store(samples + n / 2, Lanes<Sample, n / 2>{SecondInOrder(sums.low.v, sums.high.v)});
   }
 }
 

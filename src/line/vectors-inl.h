@@ -66,8 +66,10 @@ DEIMG_INLINE static Words Pack(Longs low, Longs high) {
   return __builtin_ia32_packssdw128(low, high);
 }
 DEIMG_INLINE static Words InOrder(Words packed) { return packed; }
-DEIMG_INLINE static Longs LowInOrder(Longs low, Longs) { return low; }
-DEIMG_INLINE static Longs HighInOrder(Longs, Longs high) { return high; }
+DEIMG_INLINE static Longs UnpackedLow(Longs first, Longs) { return first; }
+DEIMG_INLINE static Longs UnpackedHigh(Longs, Longs second) { return second; }
+DEIMG_INLINE static Longs FirstInOrder(Longs low, Longs) { return low; }
+DEIMG_INLINE static Longs SecondInOrder(Longs, Longs high) { return high; }
 DEIMG_INLINE static auto PackBytes(Words words) { return __builtin_ia32_packuswb128(words, words); }
 DEIMG_INLINE static Longs MultiplyAdd(Words a, Words b) { return __builtin_ia32_pmaddwd128(a, b); }
 DEIMG_INLINE static Words MultiplyHigh(Words a, Words b) { return __builtin_ia32_pmulhw128(a, b); }
@@ -88,18 +90,20 @@ DEIMG_INLINE static Words UnpackHigh(Words a, Words b) {
 DEIMG_INLINE static Words Pack(Longs low, Longs high) {
   return __builtin_ia32_packssdw256(low, high);
 }
-/// Packing works on halves of 16 bytes.
+/// Packing and unpacking work on parts of 16 bytes.
 DEIMG_INLINE static Words InOrder(Words packed) {
   return __builtin_shufflevector(packed, packed, 0, 1, 2, 3, 8, 9, 10, 11, 4, 5, 6, 7, 12, 13, 14,
                                  15);
 }
-/// Between the order of unpacked vectors and that in memory, both ways.
-DEIMG_INLINE static Longs LowInOrder(Longs first, Longs second) {
+/// From the order of memory to that of unpacked vectors, and back: the same for two halves.
+DEIMG_INLINE static Longs UnpackedLow(Longs first, Longs second) {
   return __builtin_shufflevector(first, second, 0, 1, 2, 3, 8, 9, 10, 11);
 }
-DEIMG_INLINE static Longs HighInOrder(Longs first, Longs second) {
+DEIMG_INLINE static Longs UnpackedHigh(Longs first, Longs second) {
   return __builtin_shufflevector(first, second, 4, 5, 6, 7, 12, 13, 14, 15);
 }
+DEIMG_INLINE static Longs FirstInOrder(Longs low, Longs high) { return UnpackedLow(low, high); }
+DEIMG_INLINE static Longs SecondInOrder(Longs low, Longs high) { return UnpackedHigh(low, high); }
 DEIMG_INLINE static Words PackBytes(Words words) {
   typedef long long Quads __attribute__((vector_size(32)));
   const auto packed = reinterpret_cast<Quads>(__builtin_ia32_packuswb256(words, words));
@@ -110,6 +114,78 @@ DEIMG_INLINE static Words MultiplyHigh(Words a, Words b) { return __builtin_ia32
 DEIMG_INLINE static Words MultiplyHighUnsigned(Words a, Words b) {
   return __builtin_ia32_pmulhuw256(a, b);
 }
+#elif DEIMG_VECTOR_BYTES == 64
+using Words = VectorOf<NarrowSample, 32>::Type;
+using Longs = VectorOf<Sample, 16>::Type;
+typedef long long Quads __attribute__((vector_size(64)));
+typedef char Bytes __attribute__((vector_size(64)));
+
+// GCC has these instructions with a mask only.
+#ifdef __clang__
+#define DEIMG_UNMASKED(name, type, mask, ...) __builtin_ia32_##name##512(__VA_ARGS__)
+DEIMG_MIN_MAX_OF_WORDS()
+DEIMG_INLINE static Words Magnitudes(Words v) { return __builtin_elementwise_abs(v); }
+DEIMG_INLINE static Longs Magnitudes(Longs v) { return __builtin_elementwise_abs(v); }
+#else
+#define DEIMG_UNMASKED(name, type, mask, ...) \
+  __builtin_ia32_##name##512_mask(__VA_ARGS__, type{}, mask)
+DEIMG_INLINE static Words MinOfWords(Words a, Words b) {
+  return DEIMG_UNMASKED(pminsw, Words, 0xFFFFFFFFu, a, b);
+}
+DEIMG_INLINE static Words MaxOfWords(Words a, Words b) {
+  return DEIMG_UNMASKED(pmaxsw, Words, 0xFFFFFFFFu, a, b);
+}
+DEIMG_INLINE static Words Magnitudes(Words v) {
+  return DEIMG_UNMASKED(pabsw, Words, 0xFFFFFFFFu, v);
+}
+DEIMG_INLINE static Longs Magnitudes(Longs v) { return DEIMG_UNMASKED(pabsd, Longs, 0xFFFFu, v); }
+#endif
+
+DEIMG_INLINE static Words UnpackLow(Words a, Words b) {
+  return __builtin_shufflevector(a, b, 0, 32, 1, 33, 2, 34, 3, 35, 8, 40, 9, 41, 10, 42, 11, 43, 16,
+                                 48, 17, 49, 18, 50, 19, 51, 24, 56, 25, 57, 26, 58, 27, 59);
+}
+DEIMG_INLINE static Words UnpackHigh(Words a, Words b) {
+  return __builtin_shufflevector(a, b, 4, 36, 5, 37, 6, 38, 7, 39, 12, 44, 13, 45, 14, 46, 15, 47,
+                                 20, 52, 21, 53, 22, 54, 23, 55, 28, 60, 29, 61, 30, 62, 31, 63);
+}
+DEIMG_INLINE static Words Pack(Longs low, Longs high) {
+  return DEIMG_UNMASKED(packssdw, Words, 0xFFFFFFFFu, low, high);
+}
+DEIMG_INLINE static Words InOrder(Words packed) {
+  const auto quads = reinterpret_cast<Quads>(packed);
+  return reinterpret_cast<Words>(__builtin_shufflevector(quads, quads, 0, 2, 4, 6, 1, 3, 5, 7));
+}
+DEIMG_INLINE static Longs UnpackedLow(Longs first, Longs second) {
+  return __builtin_shufflevector(first, second, 0, 1, 2, 3, 8, 9, 10, 11, 16, 17, 18, 19, 24, 25,
+                                 26, 27);
+}
+DEIMG_INLINE static Longs UnpackedHigh(Longs first, Longs second) {
+  return __builtin_shufflevector(first, second, 4, 5, 6, 7, 12, 13, 14, 15, 20, 21, 22, 23, 28, 29,
+                                 30, 31);
+}
+DEIMG_INLINE static Longs FirstInOrder(Longs low, Longs high) {
+  return __builtin_shufflevector(low, high, 0, 1, 2, 3, 16, 17, 18, 19, 4, 5, 6, 7, 20, 21, 22, 23);
+}
+DEIMG_INLINE static Longs SecondInOrder(Longs low, Longs high) {
+  return __builtin_shufflevector(low, high, 8, 9, 10, 11, 24, 25, 26, 27, 12, 13, 14, 15, 28, 29,
+                                 30, 31);
+}
+DEIMG_INLINE static Words PackBytes(Words words) {
+  const auto packed =
+      reinterpret_cast<Quads>(DEIMG_UNMASKED(packuswb, Bytes, 0xFFFFFFFFFFFFFFFFu, words, words));
+  return reinterpret_cast<Words>(__builtin_shufflevector(packed, packed, 0, 2, 4, 6, 0, 2, 4, 6));
+}
+DEIMG_INLINE static Longs MultiplyAdd(Words a, Words b) {
+  return DEIMG_UNMASKED(pmaddwd, Longs, 0xFFFFu, a, b);
+}
+DEIMG_INLINE static Words MultiplyHigh(Words a, Words b) {
+  return DEIMG_UNMASKED(pmulhw, Words, 0xFFFFFFFFu, a, b);
+}
+DEIMG_INLINE static Words MultiplyHighUnsigned(Words a, Words b) {
+  return DEIMG_UNMASKED(pmulhuw, Words, 0xFFFFFFFFu, a, b);
+}
+#undef DEIMG_UNMASKED
 #endif
 #undef DEIMG_MIN_MAX_OF_WORDS
 
@@ -132,7 +208,7 @@ DEIMG_INLINE static Longs WithSigns(Longs magnitudes, Longs signs) {
 }
 #else
 inline constexpr bool kHasSigns = false;
-#if DEIMG_VECTOR_BYTES != 0
+#if DEIMG_VECTOR_BYTES == 16
 DEIMG_INLINE static Words Magnitudes(Words v) { return MaxOfWords(v, Words{} - v); }
 DEIMG_INLINE static Longs Magnitudes(Longs v) {
   const Longs negative = v >> 31;  // all ones, or 0

@@ -1,6 +1,6 @@
 // AVX-512: vectors of 64 bytes, which GCC has to be told to prefer.
 #define DEIMG_LEVEL avx512
-#define DEIMG_VECTOR_BYTES 32
+#define DEIMG_VECTOR_BYTES 64
 #include "pipeline/level_common.h"
 
 #if defined(__clang__)
