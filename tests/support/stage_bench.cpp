@@ -125,18 +125,21 @@ void StageBench::RandomiseTuning(bool hostile, bool narrow) {
 
 void StageBench::StartAnywhere(const Level& level, bool hostile, bool narrow, int line) {
   const auto make = narrow ? level.code.makeNarrowGraph : level.code.makeWideGraph;
-  Result result;
   RandomiseSettings();
-  do {  // until no stage refuses its tuning, and narrow samples hold what they have to
+  Result result = DEIMG_OK;
+  bool fits = false;
+  do {  // until narrow samples hold what they have to, and no stage refuses its tuning
     RandomiseTuning(hostile, narrow);
     if (!narrow && hostile) {
       for (std::int32_t& gain : settings.wbGains) gain = static_cast<std::int32_t>(random());
     }
     graph_ = make({*plane.get(), plane.samples()}, {settings, tables, tuning, geometry},
                   1 + Random(0, 1));
+    fits = !narrow || graph_->RangesFit();
+    if (!fits) continue;
     Find(TypeId::kLastStageRgb).ComputeContext(kGuardLines);
     result = Find(TypeId::kLastStageRgb).Start(line);
-  } while ((hostile && result != DEIMG_OK) || (narrow && !graph_->RangesFit()));
+  } while (!fits || (hostile && result != DEIMG_OK));
   ASSERT_EQ(result, DEIMG_OK);
 }
 
