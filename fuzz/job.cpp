@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <string>
 
+#include "api/develop.h"
 #include "pipeline/levels.h"
 #include "props/image_props.h"
 #include "storage/file_stream.h"
@@ -277,7 +278,7 @@ struct Outcome {
 };
 
 /// The job at the chosen level.
-Outcome RunOnce(const JobRecipe& recipe, const Pieces& file) {
+Outcome RunOnce(const JobRecipe& recipe, const Pieces& file, const ThreadPlan& threads = {}) {
   static TemporaryDirectory temporary;
   constexpr std::uint32_t kJobs[] = {DEIMG_JOB_FULL, DEIMG_JOB_QUICK, DEIMG_JOB_PREVIEW,
                                      DEIMG_JOB_THUMBNAIL, 1};
@@ -295,13 +296,15 @@ Outcome RunOnce(const JobRecipe& recipe, const Pieces& file) {
   };
   Sink output(recipe.cancelAt, recipe.progressMode % 4, input);
   Remove(missing, *input.get(), *output.get());
-  const std::uint32_t result =
-      DEImg_DevelopM480(missing == JobRecipe::kInput ? nullptr : input.get(), kJobs[recipe.job % 5],
-                        has(JobRecipe::kUnknownFormat) ? 0
-                        : has(JobRecipe::k16Bit)       ? DEIMG_FORMAT_16BIT
-                                                       : DEIMG_FORMAT_8BIT,
-                        has(JobRecipe::kWithSettings) ? &params : nullptr,
-                        missing == JobRecipe::kOutput ? nullptr : output.get());
+  const std::uint32_t job = kJobs[recipe.job % 5];
+  const std::uint32_t format = has(JobRecipe::kUnknownFormat) ? 0u
+                               : has(JobRecipe::k16Bit)       ? DEIMG_FORMAT_16BIT
+                                                              : DEIMG_FORMAT_8BIT;
+  CallerStream* const in = missing == JobRecipe::kInput ? nullptr : input.get();
+  CallerStream* const out = missing == JobRecipe::kOutput ? nullptr : output.get();
+  DevelopParams* const given = has(JobRecipe::kWithSettings) ? &params : nullptr;
+  const std::uint32_t result = threads.threads > 1 ? Develop(in, job, format, given, out, threads)
+                                                   : DEImg_DevelopM480(in, job, format, given, out);
 
   Require(IsKnown(result), "a code that jobs end with");
   Require(output.cancelled() == (result == kCancelled), "the code of the cancellation");
@@ -396,6 +399,9 @@ std::uint32_t RunJob(const JobRecipe& recipe, const Pieces& file) {
     chosenLevel = &level;
     Require(RunOnce(recipe, file) == outcome, "the same picture at every level");
   }
+  // Threads ask for more memory; a failing allocation is another one then.
+  const Outcome shared = RunOnce(recipe, file, {.threads = 3, .bandLines = 2, .leastPixels = 0});
+  Require(recipe.heapFault != 0 || shared == outcome, "the same picture on several threads");
   return outcome.result;
 }
 

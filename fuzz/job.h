@@ -70,7 +70,7 @@ struct JobRecipe {
     kWithSettings = 2,
     k16Bit = 4,
     kShortReads = 8,
-    kEveryLevel = 16,  ///< again at every instruction level: the same bytes
+    kEveryLevel = 16,  ///< again at every instruction level, and on threads: the same bytes
     kUnknownFormat = 32,
     kUnfilled = 64,    ///< settings whose block says that it is not filled
     kGivenGains = 128  ///< settings with white-balance gains

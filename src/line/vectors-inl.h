@@ -186,6 +186,24 @@ DEIMG_INLINE static Words MultiplyHighUnsigned(Words a, Words b) {
   return DEIMG_UNMASKED(pmulhuw, Words, 0xFFFFFFFFu, a, b);
 }
 #undef DEIMG_UNMASKED
+#else
+// Without vectors there is one lane, and none of these is called.
+using Words = NarrowSample;
+using Longs = Sample;
+Words MinOfWords(Words a, Words b);
+Words MaxOfWords(Words a, Words b);
+Words UnpackLow(Words a, Words b);
+Words UnpackHigh(Words a, Words b);
+Words Pack(Longs low, Longs high);
+Words InOrder(Words packed);
+Longs UnpackedLow(Longs first, Longs second);
+Longs UnpackedHigh(Longs first, Longs second);
+Longs FirstInOrder(Longs low, Longs high);
+Longs SecondInOrder(Longs low, Longs high);
+Words PackBytes(Words words);
+Longs MultiplyAdd(Words a, Words b);
+Words MultiplyHigh(Words a, Words b);
+Words MultiplyHighUnsigned(Words a, Words b);
 #endif
 #undef DEIMG_MIN_MAX_OF_WORDS
 

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "base/rounding.h"
 #include "line/line.h"
 
 namespace deimg {
@@ -30,8 +31,8 @@ struct SegmentCurve {
       : lowest(lowestValue), highest(highestValue) {
     for (std::size_t i = 0; i < count; ++i) {
       start[i] = std::clamp(segments[i].start, 0, INT16_MAX);
-      slope[i] = static_cast<Sample>(kFraction * segments[i].slope);
-      offset[i] = static_cast<Sample>(kFraction * segments[i].offset);
+      slope[i] = Truncated(kFraction * segments[i].slope);
+      offset[i] = Truncated(kFraction * segments[i].offset);
     }
   }
 
