@@ -16,9 +16,11 @@ struct Waiting {
 
 Waiting& Of(unsigned char* storage) { return *std::launder(reinterpret_cast<Waiting*>(storage)); }
 
-// The system calls it with a stack aligned to 4 bytes on 32-bit machines, see CMakeLists.txt.
+// The system calls it with a stack aligned to 4 bytes on 32-bit machines. Something that has to be
+// aligned makes the compiler align it, see CMakeLists.txt.
 DWORD WINAPI RunThread(void* thread) {
-  static_cast<const Thread*>(thread)->Run();
+  alignas(16) const volatile std::uintptr_t aligned = reinterpret_cast<std::uintptr_t>(thread);
+  reinterpret_cast<const Thread*>(aligned)->Run();
   return 0;
 }
 
