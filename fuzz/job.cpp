@@ -297,9 +297,10 @@ Outcome RunOnce(const JobRecipe& recipe, const Pieces& file, const ThreadPlan& t
   Sink output(recipe.cancelAt, recipe.progressMode % 4, input);
   Remove(missing, *input.get(), *output.get());
   const std::uint32_t job = kJobs[recipe.job % 5];
-  const std::uint32_t format = has(JobRecipe::kUnknownFormat) ? 0u
-                               : has(JobRecipe::k16Bit)       ? DEIMG_FORMAT_16BIT
-                                                              : DEIMG_FORMAT_8BIT;
+  constexpr std::uint32_t kFormats[] = {DEIMG_FORMAT_8BIT, DEIMG_FORMAT_16BIT, 0};
+  const std::uint32_t format = kFormats[has(JobRecipe::kUnknownFormat) ? 2
+                                        : has(JobRecipe::k16Bit)       ? 1
+                                                                       : 0];
   CallerStream* const in = missing == JobRecipe::kInput ? nullptr : input.get();
   CallerStream* const out = missing == JobRecipe::kOutput ? nullptr : output.get();
   DevelopParams* const given = has(JobRecipe::kWithSettings) ? &params : nullptr;
